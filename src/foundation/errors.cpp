@@ -1,0 +1,70 @@
+#include "foundation/errors.h"
+
+#include "foundation/amb1.h"
+#include "foundation/datafolder.h"
+#include "foundation/prompt.h"
+
+#include <QAbstractButton>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+namespace tq {
+
+AppError::AppError(const QString& message)
+    : std::runtime_error(message.toStdString()), m_message(message)
+{
+}
+
+DbError::DbError(const QString& message, const QString& detail, const QString& sql)
+    : AppError(message), m_detail(detail), m_sql(sql)
+{
+}
+
+void logLine(const QString& line)
+{
+    const QString folder = dataFolder();
+    if (folder.isEmpty())
+        return;
+    QFile f(QDir(folder).filePath(QStringLiteral("tarvenquil.log")));
+    if (!f.open(QIODevice::Append | QIODevice::Text))
+        return;
+    QTextStream out(&f);
+    out << QDateTime::currentDateTime().toString(Qt::ISODate) << ' ' << line << '\n';
+}
+
+static void report(const QString& what, const QString& userText, const QString& logText)
+{
+    rollbackOpenTransaction();
+    logLine(QStringLiteral("Error al %1: %2").arg(what, logText));
+    prompts().message(QStringLiteral("No se pudo %1.\n\n%2").arg(what, userText), Icon::Critical);
+}
+
+bool guarded(const QString& what, const std::function<void()>& fn)
+{
+    try {
+        fn();
+        return true;
+    } catch (const DbError& e) {
+        report(what, e.message(),
+               e.message() + QStringLiteral(" | ") + e.detail()
+                   + (e.sql().isEmpty() ? QString() : QStringLiteral(" | ") + e.sql()));
+    } catch (const AppError& e) {
+        report(what, e.message(), e.message());
+    } catch (const std::exception& e) {
+        const QString t = QString::fromLocal8Bit(e.what());
+        report(what, QStringLiteral("Error inesperado: %1").arg(t), t);
+    } catch (...) {
+        report(what, QStringLiteral("Error inesperado."), QStringLiteral("excepción desconocida"));
+    }
+    return false;
+}
+
+void onClick(QAbstractButton* button, const QString& what, std::function<void()> fn)
+{
+    QObject::connect(button, &QAbstractButton::clicked, button,
+                     [what, fn = std::move(fn)] { guarded(what, fn); });
+}
+
+}  // namespace tq

@@ -1,0 +1,138 @@
+#include "foundation/prompt.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QWidget>
+
+namespace tq {
+
+PromptService::~PromptService() = default;
+
+bool PromptService::ask(const QString& text, const QString& title)
+{
+    return message(text, Icon::Question, title, Buttons::YesNo) == Answer::Yes;
+}
+
+static QtPromptService& realService()
+{
+    static QtPromptService s;
+    return s;
+}
+
+static PromptService* g_service = nullptr;
+
+PromptService& prompts() { return g_service ? *g_service : realService(); }
+
+PromptService* installPrompts(PromptService* service)
+{
+    PromptService* old = g_service;
+    g_service = service;
+    return old;
+}
+
+static QWidget* activeParent()
+{
+    QWidget* w = QApplication::activeModalWidget();
+    if (!w)
+        w = QApplication::activeWindow();
+    return w;
+}
+
+Answer QtPromptService::message(const QString& text, Icon icon, const QString& title,
+                                Buttons buttons)
+{
+    QMessageBox box(activeParent());
+    box.setWindowTitle(title);
+    box.setText(text);
+    switch (icon) {
+    case Icon::None: box.setIcon(QMessageBox::NoIcon); break;
+    case Icon::Information: box.setIcon(QMessageBox::Information); break;
+    case Icon::Exclamation: box.setIcon(QMessageBox::Warning); break;
+    case Icon::Critical: box.setIcon(QMessageBox::Critical); break;
+    case Icon::Question: box.setIcon(QMessageBox::Question); break;
+    }
+    switch (buttons) {
+    case Buttons::Ok: box.setStandardButtons(QMessageBox::Ok); break;
+    case Buttons::OkCancel: box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel); break;
+    case Buttons::YesNo: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+    case Buttons::YesNoCancel:
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        break;
+    }
+    if (QAbstractButton* b = box.button(QMessageBox::Yes))
+        b->setText(QStringLiteral("&Sí"));
+    if (QAbstractButton* b = box.button(QMessageBox::No))
+        b->setText(QStringLiteral("&No"));
+    if (QAbstractButton* b = box.button(QMessageBox::Cancel))
+        b->setText(QStringLiteral("Cancelar"));
+    if (QAbstractButton* b = box.button(QMessageBox::Ok))
+        b->setText(QStringLiteral("Aceptar"));
+    switch (box.exec()) {
+    case QMessageBox::Yes: return Answer::Yes;
+    case QMessageBox::No: return Answer::No;
+    case QMessageBox::Cancel: return Answer::Cancel;
+    default: return buttons == Buttons::Ok ? Answer::Ok
+                    : buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+    }
+}
+
+std::optional<QString> QtPromptService::input(const QString& prompt, const QString& title,
+                                              const QString& initial)
+{
+    QInputDialog dlg(activeParent());
+    dlg.setWindowTitle(title);
+    dlg.setLabelText(prompt);
+    dlg.setTextValue(initial);
+    dlg.setOkButtonText(QStringLiteral("Aceptar"));
+    dlg.setCancelButtonText(QStringLiteral("Cancelar"));
+    if (dlg.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return dlg.textValue();
+}
+
+QString QtPromptService::openFile(const QString& caption, const QString& folder,
+                                  const QString& filter)
+{
+    return QFileDialog::getOpenFileName(activeParent(), caption, folder, filter);
+}
+
+QString QtPromptService::saveFile(const QString& caption, const QString& proposed,
+                                  const QString& filter)
+{
+    // The store's suffix is added by the caller, so the dialog must not
+    // replace or question the name typed.
+    return QFileDialog::getSaveFileName(activeParent(), caption, proposed, filter, nullptr,
+                                        QFileDialog::DontConfirmOverwrite);
+}
+
+void QtPromptService::showModal(QWidget* screen)
+{
+    screen->setAttribute(Qt::WA_DeleteOnClose);
+    QPointer<QWidget> guard(screen);
+    if (auto* dlg = qobject_cast<QDialog*>(screen)) {
+        dlg->exec();
+        if (guard)
+            guard->deleteLater();
+        return;
+    }
+    screen->setWindowModality(Qt::ApplicationModal);
+    screen->setWindowFlag(Qt::Window, true);
+    QEventLoop loop;
+    QObject::connect(screen, &QObject::destroyed, &loop, &QEventLoop::quit);
+    screen->show();
+    if (guard)
+        loop.exec();
+}
+
+void QtPromptService::endProgram()
+{
+    QApplication::closeAllWindows();
+    QApplication::exit(0);
+}
+
+}  // namespace tq

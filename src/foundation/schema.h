@@ -1,0 +1,24 @@
+#pragma once
+// The store's tables, columns and indexes in one place, and the rows the
+// program assumes on first start.
+#include <QSqlDatabase>
+#include <QStringList>
+
+namespace tq::schema {
+
+// Every table of the store, in declaration order.
+QStringList tableNames();
+// Columns of a table as declared (empty for an unknown table).
+QStringList columnNames(const QString& table);
+
+// True when the store has none of the system's tables yet.
+bool isEmpty(const QSqlDatabase& db);
+// Creates every table and index. Throws DbError.
+void create(const QSqlDatabase& db);
+// Fills a new store with the rows the program assumes: insurer 0 "Sin Seguro",
+// one `datos` row, one row each in IST, DTE and tarjeta, the six templates,
+// the six free-format menus, and the administrator admin/admin with module
+// rights 1 to 3. Throws DbError.
+void seedFirstStart(const QSqlDatabase& db);
+
+}  // namespace tq::schema

@@ -1,0 +1,125 @@
+#include "foundation/values.h"
+
+#include "foundation/errors.h"
+
+#include <QRegularExpression>
+#include <cmath>
+
+namespace tq {
+
+QString money(double amount)
+{
+    if (!std::isfinite(amount))
+        throw AppError(QStringLiteral("El monto no es un número válido."));
+    QString s = QString::number(amount, 'f', 2);
+    if (s == QLatin1String("-0.00"))
+        s = QStringLiteral("0.00");
+    if (s.startsWith(QLatin1String("0.")))
+        s.remove(0, 1);
+    else if (s.startsWith(QLatin1String("-0.")))
+        s.remove(1, 1);
+    return s;
+}
+
+QString money(const QVariant& amount)
+{
+    if (amount.isNull())
+        return money(0.0);
+    bool ok = false;
+    const double d = amount.toDouble(&ok);
+    return money(ok ? d : Val(amount.toString()));
+}
+
+double Val(const QString& text)
+{
+    // Leading blanks are skipped; then an optional sign, digits with at most
+    // one decimal point, and an optional exponent.
+    static const QRegularExpression re(
+        QStringLiteral("^\\s*([-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?)"));
+    const auto m = re.match(text);
+    if (!m.hasMatch())
+        return 0.0;
+    return m.captured(1).toDouble();
+}
+
+bool isNumeric(const QString& text)
+{
+    static const QRegularExpression re(
+        QStringLiteral("^\\s*[-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?\\s*$"));
+    return re.match(text).hasMatch();
+}
+
+std::int16_t toInt16(double value)
+{
+    if (!std::isfinite(value))
+        throw AppError(QStringLiteral("El código no es un número válido."));
+    // Classic conversion rounds half to even before the range check.
+    const double r = std::nearbyint(value);
+    if (r < -32768.0 || r > 32767.0)
+        throw AppError(QStringLiteral("Desbordamiento: el valor %1 no cabe en un código "
+                                      "(de -32768 a 32767).")
+                           .arg(QString::number(value, 'f', value == r ? 0 : 2)));
+    return static_cast<std::int16_t>(r);
+}
+
+std::int16_t toInt16(const QVariant& value)
+{
+    if (value.isNull())
+        return 0;
+    bool ok = false;
+    const double d = value.toDouble(&ok);
+    return toInt16(ok ? d : Val(value.toString()));
+}
+
+std::int16_t toInt16(const QString& text) { return toInt16(Val(text)); }
+
+int monthsBetween(const QDate& from, const QDate& to)
+{
+    if (!from.isValid() || !to.isValid())
+        return 0;
+    return (to.year() - from.year()) * 12 + (to.month() - from.month());
+}
+
+int yearsBetween(const QDate& from, const QDate& to)
+{
+    if (!from.isValid() || !to.isValid())
+        return 0;
+    return to.year() - from.year();
+}
+
+Age calculoedad(const QDate& birth, const QDate& today)
+{
+    Age a;
+    const int m = monthsBetween(birth, today);
+    a.years = static_cast<int>(std::trunc(m / 12.0));
+    const double rest = m / 12.0 - a.years;
+    // Truncated, not rounded: floating error can lose a month (35 -> 2 y 10 m).
+    a.months = static_cast<int>(std::trunc(rest * 12.0));
+    a.text = QString::number(a.years) + QStringLiteral(" Años ") + QString::number(a.months)
+             + QStringLiteral(" meses");
+    return a;
+}
+
+QString dateLong(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yyyy")); }
+QString dateShort(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yy")); }
+
+QDate parseDate(const QString& text)
+{
+    const QString t = text.trimmed();
+    QDate d = QDate::fromString(t, QStringLiteral("dd/MM/yyyy"));
+    if (!d.isValid())
+        d = QDate::fromString(t, QStringLiteral("d/M/yyyy"));
+    if (!d.isValid()) {
+        d = QDate::fromString(t, QStringLiteral("dd/MM/yy"));
+        // Two-digit years: 00-29 are this century, 30-99 the last one.
+        if (d.isValid() && d.year() < 1930)
+            d = d.addYears(100);
+        else if (d.isValid() && d.year() >= 2030)
+            d = d.addYears(-100);
+    }
+    if (!d.isValid())
+        d = QDate::fromString(t.left(10), Qt::ISODate);
+    return d;
+}
+
+}  // namespace tq

@@ -1,0 +1,52 @@
+#pragma once
+// Value helpers shared by every screen: money text, the classic reading of
+// typed numbers, the checked 16-bit conversion, dates and ages.
+#include <QDate>
+#include <QString>
+#include <QVariant>
+#include <cstdint>
+
+namespace tq {
+
+// Money as the laboratory has always shown and stored it: two decimals, no
+// thousands separator, no leading zero below one (0 -> ".00", 0.5 -> ".50",
+// -0.5 -> "-.50").
+QString money(double amount);
+// Money text of a value read from the store or typed (through Val).
+QString money(const QVariant& amount);
+
+// The leading number of a text, as typed numbers were always read:
+// "12/5" -> 12, " 3.5kg" -> 3.5, "abc" -> 0, "-2" -> -2, "1e3" -> 1000.
+double Val(const QString& text);
+
+// True when the whole text (blanks aside) is a number, as the classic
+// IsNumeric understood it for typed values ("12", "-3.5", ".5").
+bool isNumeric(const QString& text);
+
+// Codes held in 16-bit variables: a value outside -32768..32767 (or not a
+// whole number) is an error of the action, never a silent wrap. Throws AppError.
+std::int16_t toInt16(double value);
+std::int16_t toInt16(const QVariant& value);
+std::int16_t toInt16(const QString& text);   // through Val
+
+// Calendar-boundary differences: the number of month (or year) boundaries
+// crossed going from `from` to `to`, regardless of the day of the month.
+int monthsBetween(const QDate& from, const QDate& to);
+int yearsBetween(const QDate& from, const QDate& to);
+
+// Age of a patient as the invoice and the patient screen compute it.
+struct Age {
+    int years = 0;
+    int months = 0;
+    QString text;   // "<years> Años <months> meses"
+};
+Age calculoedad(const QDate& birth, const QDate& today = QDate::currentDate());
+
+// "DD/MM/YYYY" on labels, "DD/MM/YY" in date pickers.
+QString dateLong(const QDate& d);
+QString dateShort(const QDate& d);
+// Reads "DD/MM/YYYY" or "DD/MM/YY" (and ISO "YYYY-MM-DD"); invalid QDate when
+// the text is not a date.
+QDate parseDate(const QString& text);
+
+}  // namespace tq

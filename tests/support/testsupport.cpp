@@ -1,0 +1,173 @@
+#include "testsupport.h"
+
+#include "foundation/amb1.h"
+#include "foundation/appstate.h"
+#include "foundation/datafolder.h"
+#include "foundation/registry.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QPointer>
+
+namespace tq::test {
+
+TempStore::TempStore()
+{
+    resetState();
+    setDataFolder(m_dir.path());
+    amb1().openStore(dbPath());
+}
+
+TempStore::~TempStore()
+{
+    amb1().closeStore();
+    resetState();
+}
+
+QString TempStore::dbPath() const { return QDir(m_dir.path()).filePath(QStringLiteral("lab.db")); }
+
+ScriptedPrompts::ScriptedPrompts() { m_previous = installPrompts(this); }
+
+ScriptedPrompts::~ScriptedPrompts() { installPrompts(m_previous); }
+
+void ScriptedPrompts::onModal(const QString& screen, std::function<void(QWidget*)> handler)
+{
+    m_modal.append({screen, std::move(handler)});
+}
+
+QStringList ScriptedPrompts::messages() const
+{
+    QStringList out;
+    for (const auto& p : prompts)
+        if (p.kind == Prompt::Message)
+            out << p.text;
+    return out;
+}
+
+QString ScriptedPrompts::lastMessage() const
+{
+    const QStringList m = messages();
+    return m.isEmpty() ? QString() : m.last();
+}
+
+void ScriptedPrompts::clear()
+{
+    prompts.clear();
+    answers.clear();
+    inputs.clear();
+    files.clear();
+    ended = false;
+}
+
+Answer ScriptedPrompts::message(const QString& text, Icon icon, const QString& title,
+                                Buttons buttons)
+{
+    prompts.append({Prompt::Message, text, icon, title, buttons});
+    if (buttons == Buttons::Ok)
+        return Answer::Ok;
+    if (answers.empty())
+        return buttons == Buttons::OkCancel ? Answer::Ok : Answer::Yes;
+    const Answer a = answers.front();
+    answers.pop_front();
+    return a;
+}
+
+std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QString& title,
+                                              const QString& initial)
+{
+    Q_UNUSED(initial);
+    prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
+    if (inputs.empty())
+        return std::nullopt;
+    auto v = inputs.front();
+    inputs.pop_front();
+    return v;
+}
+
+QString ScriptedPrompts::openFile(const QString& caption, const QString&, const QString&)
+{
+    prompts.append({Prompt::OpenFile, caption, Icon::None, caption, Buttons::OkCancel});
+    if (files.empty())
+        return {};
+    QString f = files.front();
+    files.pop_front();
+    return f;
+}
+
+QString ScriptedPrompts::saveFile(const QString& caption, const QString& proposed, const QString&)
+{
+    prompts.append({Prompt::SaveFile, proposed, Icon::None, caption, Buttons::OkCancel});
+    if (files.empty())
+        return {};
+    QString f = files.front();
+    files.pop_front();
+    return f;
+}
+
+void ScriptedPrompts::showModal(QWidget* screen)
+{
+    prompts.append({Prompt::Modal, screen->objectName(), Icon::None, {}, Buttons::Ok});
+    QPointer<QWidget> guard(screen);
+    screen->setAttribute(Qt::WA_DeleteOnClose);
+    screen->show();
+    for (int i = 0; i < m_modal.size(); ++i) {
+        if (m_modal[i].first == screen->objectName()) {
+            auto handler = m_modal.takeAt(i).second;
+            handler(screen);
+            break;
+        }
+    }
+    if (guard)
+        guard->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void ScriptedPrompts::endProgram()
+{
+    prompts.append({Prompt::End, {}, Icon::None, {}, Buttons::Ok});
+    ended = true;
+}
+
+void type(QWidget* w, const QString& text)
+{
+    w->setFocus();
+    QTest::keyClicks(w, text);
+}
+
+void retype(QWidget* w, const QString& text)
+{
+    w->setFocus();
+    if (auto* le = qobject_cast<QLineEdit*>(w))
+        le->selectAll();
+    else
+        QTest::keyClick(w, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(w, Qt::Key_Delete);
+    QTest::keyClicks(w, text);
+}
+
+void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods) { QTest::keyClick(w, key, mods); }
+
+void click(QAbstractButton* b) { QTest::mouseClick(b, Qt::LeftButton); }
+
+bool clickNamed(QObject* root, const QString& name)
+{
+    auto* b = control<QAbstractButton>(root, name);
+    if (!b || !b->isEnabled())
+        return false;
+    click(b);
+    return true;
+}
+
+QWidget* openScreen(const QString& name)
+{
+    QWidget* w = ScreenRegistry::instance().create(name, nullptr);
+    if (!w)
+        return nullptr;
+    w->setAttribute(Qt::WA_DeleteOnClose);
+    w->show();
+    (void)QTest::qWaitForWindowExposed(w);
+    return w;
+}
+
+}  // namespace tq::test

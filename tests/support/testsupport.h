@@ -1,0 +1,93 @@
+#pragma once
+// Test support: a temporary store, a scripted prompt service that records
+// every prompt and answers from a script, and helpers to find controls by
+// name, type keys and click.
+#include "foundation/prompt.h"
+
+#include <QAbstractButton>
+#include <QList>
+#include <QString>
+#include <QTemporaryDir>
+#include <QWidget>
+#include <QtTest/QTest>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace tq::test {
+
+// A fresh data folder with a new store opened on amb1 (schema and first-start
+// rows), the shared program state reset. Closed and removed on destruction.
+class TempStore {
+public:
+    TempStore();
+    ~TempStore();
+    QString folder() const { return m_dir.path(); }
+    QString dbPath() const;
+
+private:
+    QTemporaryDir m_dir;
+};
+
+struct Prompt {
+    enum Kind { Message, Input, OpenFile, SaveFile, Modal, End } kind = Message;
+    QString text;     // message or input prompt; screen name for Modal
+    Icon icon = Icon::None;
+    QString title;
+    Buttons buttons = Buttons::Ok;
+};
+
+// Records every prompt. Questions are answered from a queue (Yes when empty),
+// input boxes and file dialogs from their own queues (cancel when empty),
+// modal screens by the handler given for their name (closed at once when none).
+class ScriptedPrompts : public PromptService {
+public:
+    ScriptedPrompts();   // installs itself
+    ~ScriptedPrompts() override;   // puts back the previous service
+
+    QList<Prompt> prompts;
+    std::deque<Answer> answers;
+    std::deque<std::optional<QString>> inputs;
+    std::deque<QString> files;
+    bool ended = false;
+
+    void onModal(const QString& screen, std::function<void(QWidget*)> handler);
+
+    // Texts of the message boxes shown, in order.
+    QStringList messages() const;
+    QString lastMessage() const;
+    void clear();
+
+    Answer message(const QString& text, Icon icon, const QString& title, Buttons buttons) override;
+    std::optional<QString> input(const QString& prompt, const QString& title,
+                                 const QString& initial) override;
+    QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
+    QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
+    void showModal(QWidget* screen) override;
+    void endProgram() override;
+
+private:
+    PromptService* m_previous = nullptr;
+    QList<QPair<QString, std::function<void(QWidget*)>>> m_modal;
+};
+
+// A control of `root` by its object name; fails the test (QVERIFY) via nullptr check.
+template <typename T = QWidget>
+T* control(QObject* root, const QString& name)
+{
+    return root ? root->findChild<T*>(name) : nullptr;
+}
+
+// Types the text into the focused-or-given widget with real key presses.
+void type(QWidget* w, const QString& text);
+// Replaces the text of a line edit through the keyboard (select all, type).
+void retype(QWidget* w, const QString& text);
+void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier);
+void click(QAbstractButton* b);
+// Clicks the button named `name` inside root; returns false when missing or disabled.
+bool clickNamed(QObject* root, const QString& name);
+// Creates a screen through the registry, shows it and waits until exposed.
+QWidget* openScreen(const QString& name);
+
+}  // namespace tq::test
