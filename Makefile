@@ -1,7 +1,7 @@
 # Set-up and build in one step on a fresh Debian machine.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
-PKGS  := cmake g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libgl-dev xvfb xauth
+PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev xvfb xauth
 
 .PHONY: all deps configure build run test clean
 
@@ -16,7 +16,7 @@ deps:
 	fi
 
 configure: deps
-	@[ -f $(BUILD)/CMakeCache.txt ] || cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	@[ -f $(BUILD)/CMakeCache.txt ] || cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)

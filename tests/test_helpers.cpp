@@ -1,0 +1,242 @@
+// The shared helpers every screen leans on: money text, Val, the checked
+// 16-bit conversion, calendar differences and ages, date forms, the screen
+// registry and the error boundary.
+#include "foundation/amb1.h"
+#include "foundation/appstate.h"
+#include "foundation/datafolder.h"
+#include "foundation/errors.h"
+#include "foundation/registry.h"
+#include "foundation/values.h"
+#include "testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+#include <QtTest>
+
+using namespace tq;
+
+namespace {
+class ProbeScreen : public QWidget {
+public:
+    explicit ProbeScreen(QWidget* parent) : QWidget(parent) {}
+};
+}  // namespace
+TQ_REGISTER_SCREEN(ProbeScreen)
+
+class TestHelpers : public QObject {
+    Q_OBJECT
+private slots:
+    void moneyFormat_data();
+    void moneyFormat();
+    void valReadsTheLeadingNumber_data();
+    void valReadsTheLeadingNumber();
+    void int16IsCheckedNotWrapped();
+    void calendarDifferencesCountBoundaries();
+    void ageKeepsTheClassicTruncation();
+    void dateForms();
+    void registryCreatesByNameAndOpensModally();
+    void unbuiltScreenGetsAnHonestNotice();
+    void errorBoundaryRollsBackLogsAndKeepsRunning();
+    void dataFolderChoice();
+};
+
+void TestHelpers::moneyFormat_data()
+{
+    QTest::addColumn<double>("amount");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("zero") << 0.0 << ".00";
+    QTest::newRow("half") << 0.5 << ".50";
+    QTest::newRow("cents") << 0.07 << ".07";
+    QTest::newRow("whole") << 150.0 << "150.00";
+    QTest::newRow("no thousands separator") << 1234567.891 << "1234567.89";
+    QTest::newRow("rounds up") << 2.675000001 << "2.68";
+    QTest::newRow("negative below one") << -0.5 << "-.50";
+    QTest::newRow("negative zero") << -0.001 << ".00";
+    QTest::newRow("negative") << -12.3 << "-12.30";
+}
+
+void TestHelpers::moneyFormat()
+{
+    QFETCH(double, amount);
+    QFETCH(QString, text);
+    QCOMPARE(money(amount), text);
+}
+
+void TestHelpers::valReadsTheLeadingNumber_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("value");
+    QTest::newRow("fraction stops at slash") << "12/5" << 12.0;
+    QTest::newRow("leading blanks") << "   3.5kg" << 3.5;
+    QTest::newRow("letters") << "abc" << 0.0;
+    QTest::newRow("empty") << "" << 0.0;
+    QTest::newRow("negative") << "-2" << -2.0;
+    QTest::newRow("point first") << ".25" << 0.25;
+    QTest::newRow("exponent") << "1e3" << 1000.0;
+    QTest::newRow("role combo text") << "2     Usuario Limitado" << 2.0;
+    QTest::newRow("comma is not a decimal") << "1,5" << 1.0;
+}
+
+void TestHelpers::valReadsTheLeadingNumber()
+{
+    QFETCH(QString, text);
+    QFETCH(double, value);
+    QCOMPARE(Val(text), value);
+}
+
+void TestHelpers::int16IsCheckedNotWrapped()
+{
+    QCOMPARE(toInt16(32767.0), std::int16_t(32767));
+    QCOMPARE(toInt16(-32768.0), std::int16_t(-32768));
+    QCOMPARE(toInt16(QStringLiteral("125 Sin Seguro")), std::int16_t(125));
+    QCOMPARE(toInt16(QVariant()), std::int16_t(0));
+    QCOMPARE(toInt16(QVariant(QStringLiteral("77"))), std::int16_t(77));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(32768.0));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(-32769.0));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(QVariant(40000)));
+    try {
+        toInt16(40000.0);
+    } catch (const AppError& e) {
+        QVERIFY(e.message().contains(QStringLiteral("40000")));
+    }
+    QVERIFY(isNumeric(QStringLiteral(" 0.03 ")));
+    QVERIFY(isNumeric(QStringLiteral(".5")));
+    QVERIFY(!isNumeric(QStringLiteral("3%")));
+    QVERIFY(!isNumeric(QStringLiteral("")));
+    QVERIFY(!isNumeric(QStringLiteral("abc")));
+}
+
+void TestHelpers::calendarDifferencesCountBoundaries()
+{
+    // One day apart across a year end: one month and one year boundary.
+    QCOMPARE(monthsBetween(QDate(2025, 12, 31), QDate(2026, 1, 1)), 1);
+    QCOMPARE(yearsBetween(QDate(2025, 12, 31), QDate(2026, 1, 1)), 1);
+    // Almost a year within one calendar year: no year boundary.
+    QCOMPARE(yearsBetween(QDate(2026, 1, 1), QDate(2026, 12, 31)), 0);
+    QCOMPARE(monthsBetween(QDate(2026, 1, 31), QDate(2026, 3, 1)), 2);
+    QCOMPARE(monthsBetween(QDate(2026, 3, 1), QDate(2026, 1, 31)), -2);
+    QCOMPARE(monthsBetween(QDate(), QDate(2026, 1, 1)), 0);
+}
+
+void TestHelpers::ageKeepsTheClassicTruncation()
+{
+    const QDate today(2026, 11, 22);
+    // 35 month boundaries: floating error loses a month, as it always did.
+    Age a = calculoedad(today.addMonths(-35), today);
+    QCOMPARE(a.years, 2);
+    QCOMPARE(a.months, 10);
+    QCOMPARE(a.text, QStringLiteral("2 Años 10 meses"));
+    a = calculoedad(QDate(1960, 11, 30), today);
+    QCOMPARE(a.years, 66);
+    QCOMPARE(a.months, 0);
+    // Born on the last day of a month: a month is gained on the first of the next.
+    a = calculoedad(QDate(2026, 10, 31), QDate(2026, 11, 1));
+    QCOMPARE(a.text, QStringLiteral("0 Años 1 meses"));
+}
+
+void TestHelpers::dateForms()
+{
+    const QDate d(2026, 3, 7);
+    QCOMPARE(dateLong(d), QStringLiteral("07/03/2026"));
+    QCOMPARE(dateShort(d), QStringLiteral("07/03/26"));
+    QCOMPARE(parseDate(QStringLiteral("07/03/2026")), d);
+    QCOMPARE(parseDate(QStringLiteral("07/03/26")), d);
+    QCOMPARE(parseDate(QStringLiteral("07/03/85")), QDate(1985, 3, 7));
+    QCOMPARE(parseDate(QStringLiteral("2026-03-07")), d);
+    QVERIFY(!parseDate(QStringLiteral("31/02/2026")).isValid());
+    QVERIFY(!parseDate(QStringLiteral("hoy")).isValid());
+}
+
+void TestHelpers::registryCreatesByNameAndOpensModally()
+{
+    test::ScriptedPrompts sp;
+    QVERIFY(ScreenRegistry::instance().has(QStringLiteral("ProbeScreen")));
+    QWidget* w = ScreenRegistry::instance().create(QStringLiteral("ProbeScreen"));
+    QVERIFY(w);
+    QCOMPARE(w->objectName(), QStringLiteral("ProbeScreen"));
+    delete w;
+    bool prepared = false;
+    bool handled = false;
+    sp.onModal(QStringLiteral("ProbeScreen"), [&](QWidget* s) {
+        handled = s->property("preparado").toBool();
+    });
+    openModal(QStringLiteral("ProbeScreen"), [&](QWidget* s) {
+        prepared = true;
+        s->setProperty("preparado", true);
+    });
+    QVERIFY(prepared);
+    QVERIFY(handled);
+    QCOMPARE(sp.prompts.size(), 1);
+    QCOMPARE(sp.prompts[0].kind, test::Prompt::Modal);
+}
+
+void TestHelpers::unbuiltScreenGetsAnHonestNotice()
+{
+    test::ScriptedPrompts sp;
+    QVERIFY(!ScreenRegistry::instance().create(QStringLiteral("NoExiste")));
+    openModal(QStringLiteral("NoExiste"));
+    QCOMPARE(sp.messages().size(), 1);
+    QVERIFY(sp.lastMessage().contains(QStringLiteral("NoExiste")));
+    QVERIFY(sp.lastMessage().contains(QStringLiteral("todavía no está disponible")));
+}
+
+void TestHelpers::errorBoundaryRollsBackLogsAndKeepsRunning()
+{
+    test::TempStore store;
+    test::ScriptedPrompts sp;
+    // A save that fails halfway leaves nothing behind.
+    const bool ok = guarded(QStringLiteral("guardar el doctor"), [] {
+        amb1().begin();
+        amb1().execute(QStringLiteral("INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, "
+                                      "porsentaje) VALUES (?, ?, ?)"),
+                       {QStringLiteral("Ana"), QStringLiteral("D'Costa"), 5});
+        amb1().execute(QStringLiteral("INSERT INTO TablaQueNoExiste VALUES (1)"));
+        amb1().commit();
+    });
+    QVERIFY(!ok);
+    QVERIFY(!amb1().inTransaction());
+    QCOMPARE(amb1().scalar(QStringLiteral("SELECT COUNT(*) FROM Doctores")).toInt(), 0);
+    QCOMPARE(sp.messages().size(), 1);
+    QVERIFY(sp.lastMessage().startsWith(QStringLiteral("No se pudo guardar el doctor.")));
+    QCOMPARE(sp.prompts[0].icon, Icon::Critical);
+    QFile log(QDir(store.folder()).filePath(QStringLiteral("tarvenquil.log")));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QVERIFY(QString::fromUtf8(log.readAll()).contains(QStringLiteral("TablaQueNoExiste")));
+
+    // An overflow inside a button's action is reported and the program goes on.
+    QPushButton b;
+    onClick(&b, QStringLiteral("leer el código"), [] { toInt16(99999.0); });
+    b.click();
+    QCOMPARE(sp.messages().size(), 2);
+    QVERIFY(sp.lastMessage().contains(QStringLiteral("99999")));
+    // Apostrophes go in bound and come back intact.
+    amb1().execute(QStringLiteral("INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, "
+                                  "porsentaje) VALUES (?, ?, ?)"),
+                   {QStringLiteral("Ana"), QStringLiteral("D'Costa"), 5});
+    QCOMPARE(amb1().scalar(QStringLiteral("SELECT Apellido_doctor FROM Doctores WHERE "
+                                          "Apellido_doctor = ?"),
+                           {QStringLiteral("D'Costa")})
+                 .toString(),
+             QStringLiteral("D'Costa"));
+}
+
+void TestHelpers::dataFolderChoice()
+{
+    QTemporaryDir dir;
+    const QString arg = dir.path();
+    QCOMPARE(resolveDataFolder({QStringLiteral("tarvenquil"), QStringLiteral("--data"), arg}),
+             QDir(arg).absolutePath());
+    qputenv("TARVENQUIL_DATA", QDir(arg).filePath(QStringLiteral("env")).toUtf8());
+    QCOMPARE(resolveDataFolder({QStringLiteral("tarvenquil")}),
+             QDir(arg).filePath(QStringLiteral("env")));
+    // The command line wins over the environment.
+    QCOMPARE(resolveDataFolder({QStringLiteral("tarvenquil"), QStringLiteral("--data=") + arg}),
+             QDir(arg).absolutePath());
+    qunsetenv("TARVENQUIL_DATA");
+    QVERIFY(!resolveDataFolder({QStringLiteral("tarvenquil")}).isEmpty());
+}
+
+QTEST_MAIN(TestHelpers)
+#include "test_helpers.moc"
