@@ -1,5 +1,6 @@
 #include "foundation/prompt.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
