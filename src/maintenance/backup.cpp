@@ -1,0 +1,121 @@
+#include "maintenance/backup.h"
+
+#include "foundation/amb1.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QTemporaryFile>
+#include <QVariant>
+#include <filesystem>
+#include <sqlite3.h>
+#include <system_error>
+
+namespace tq {
+
+namespace {
+
+BackupResult failed(const QString& why) { return {false, why}; }
+
+std::filesystem::path nativePath(const QString& path)
+{
+    const QByteArray utf8 = QDir::toNativeSeparators(path).toUtf8();
+    return std::filesystem::path(std::u8string(reinterpret_cast<const char8_t*>(utf8.constData()),
+                                               static_cast<size_t>(utf8.size())));
+}
+
+// The store's own SQLite handle, or nullptr when the store isn't an open SQLite file.
+sqlite3* storeHandle()
+{
+    if (!amb1().isOpen())
+        return nullptr;
+    const QSqlDatabase db = amb1().connection();
+    if (!db.isOpen() || !db.driver())
+        return nullptr;
+    const QVariant v = db.driver()->handle();
+    if (!v.isValid() || qstrcmp(v.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3* const*>(v.constData());
+}
+
+// Copies every page of `source` into the file `file` (an empty file).
+QString copyPages(sqlite3* source, const QString& file)
+{
+    sqlite3* dest = nullptr;
+    const QByteArray name = QFile::encodeName(file);
+    int rc = sqlite3_open_v2(name.constData(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                             nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why = dest ? QString::fromUtf8(sqlite3_errmsg(dest))
+                                 : QString::fromUtf8(sqlite3_errstr(rc));
+        sqlite3_close(dest);
+        return QStringLiteral("no se pudo crear el archivo (%1)").arg(why);
+    }
+    QString error;
+    sqlite3_backup* backup = sqlite3_backup_init(dest, "main", source, "main");
+    if (!backup) {
+        error = QStringLiteral("no se pudo iniciar la copia (%1)")
+                    .arg(QString::fromUtf8(sqlite3_errmsg(dest)));
+    } else {
+        // All pages in one step: the program is single-threaded, so nothing
+        // writes to the store while the copy runs.
+        rc = sqlite3_backup_step(backup, -1);
+        const int finish = sqlite3_backup_finish(backup);
+        if (rc != SQLITE_DONE)
+            error = QStringLiteral("la copia se interrumpió (%1)")
+                        .arg(QString::fromUtf8(sqlite3_errstr(rc)));
+        else if (finish != SQLITE_OK)
+            error = QStringLiteral("la copia no se completó (%1)")
+                        .arg(QString::fromUtf8(sqlite3_errstr(finish)));
+    }
+    rc = sqlite3_close(dest);
+    if (error.isEmpty() && rc != SQLITE_OK)
+        error = QStringLiteral("no se pudo cerrar la copia (%1)")
+                    .arg(QString::fromUtf8(sqlite3_errstr(rc)));
+    return error;
+}
+
+}  // namespace
+
+BackupResult backupStore(const QString& target)
+{
+    sqlite3* source = storeHandle();
+    if (!source)
+        return failed(QStringLiteral("no hay una base de datos abierta que se pueda copiar"));
+    if (target.isEmpty())
+        return failed(QStringLiteral("no se indicó el nombre de la copia"));
+
+    const QFileInfo info(target);
+    const QDir folder = info.absoluteDir();
+    if (!folder.exists())
+        return failed(QStringLiteral("la carpeta %1 no existe")
+                          .arg(QDir::toNativeSeparators(folder.absolutePath())));
+    if (info.isDir())
+        return failed(QStringLiteral("ya existe una carpeta con ese nombre"));
+    const QString store = QFileInfo(amb1().storeFile()).absoluteFilePath();
+    if (!store.isEmpty() && info.absoluteFilePath() == store)
+        return failed(QStringLiteral("la copia no puede reemplazar la base de datos en uso"));
+
+    // The temporary file sits beside the target, on the same disk, so that
+    // the final rename is a single step.
+    QTemporaryFile temp(folder.filePath(QStringLiteral(".%1.XXXXXX").arg(info.fileName())));
+    if (!temp.open())
+        return failed(QStringLiteral("no se puede escribir en la carpeta (%1)").arg(temp.errorString()));
+    const QString tempName = temp.fileName();
+    temp.close();
+
+    const QString error = copyPages(source, tempName);
+    if (!error.isEmpty())
+        return failed(error);   // the temporary file goes with `temp`
+
+    std::error_code ec;
+    std::filesystem::rename(nativePath(tempName), nativePath(info.absoluteFilePath()), ec);
+    if (ec)
+        return failed(QStringLiteral("no se pudo reemplazar el archivo (%1)")
+                          .arg(QString::fromLocal8Bit(ec.message().c_str())));
+    temp.setAutoRemove(false);   // its name now belongs to the target
+    return {true, {}};
+}
+
+}  // namespace tq
