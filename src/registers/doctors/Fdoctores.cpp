@@ -1,0 +1,130 @@
+#include "registers/doctors/Fdoctores.h"
+
+#include "ui_Fdoctores.h"
+
+#include "foundation/amb1.h"
+#include "foundation/datagrid.h"
+#include "foundation/errors.h"
+#include "foundation/registry.h"
+#include "foundation/values.h"
+
+TQ_REGISTER_SCREEN(Fdoctores)
+
+using namespace tq;
+
+namespace {
+
+QVariant textOrNull(const QString& t) { return t.isEmpty() ? QVariant() : QVariant(t); }
+
+}  // namespace
+
+Fdoctores::Fdoctores(QWidget* parent)
+    : RegisterScreen(parent), ui(std::make_unique<Ui::Fdoctores>())
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("Fdoctores"));
+    setUpRegister({ui->Command1, ui->Command4, ui->Command2, ui->Command5, ui->Command6,
+                   ui->Command3},
+                  {ui->Text1, ui->Text2, ui->Text3, ui->Text4, ui->Text5, ui->Text6},
+                  ui->DataGrid1, QStringLiteral("el doctor"));
+    start();
+}
+
+Fdoctores::~Fdoctores() = default;
+
+QString Fdoctores::emptyListMessage() const
+{
+    return QStringLiteral("No existen Doctores ingresados");
+}
+
+void Fdoctores::loadGrid()
+{
+    Recordset& rs = amb1().rs(QStringLiteral("rsdoctores"));
+    if (rs.state() == 1)
+        rs.close();
+    rs.open(QStringLiteral("SELECT * FROM Doctores"));
+    ui->DataGrid1->bind(rs);
+}
+
+void Fdoctores::showRow(int row)
+{
+    const DataGrid* g = ui->DataGrid1;
+    ui->Text1->setText(g->text(row, QStringLiteral("Nombre_doctor")));
+    ui->Text2->setText(g->text(row, QStringLiteral("Apellido_doctor")));
+    ui->Text3->setText(g->text(row, QStringLiteral("dir_doctor")));
+    ui->Text4->setText(g->text(row, QStringLiteral("tel_doctor")));
+    ui->Text5->setText(g->text(row, QStringLiteral("correo_doctor")));
+    ui->Text6->setText(g->text(row, QStringLiteral("porsentaje")));
+}
+
+std::optional<Refusal> Fdoctores::validate(int mode)
+{
+    // The words "Empleado" are this screen's own: it was made from the employee screen.
+    if (mode == AddMode) {
+        if (ui->Text1->text().isEmpty())
+            return Refusal{QStringLiteral("Debe especificar un Nombre de Empleado"), ui->Text1};
+        if (ui->Text2->text().isEmpty())
+            return Refusal{QStringLiteral("Debe especificar un Apellido de Empleado"), ui->Text2};
+        if (ui->Text6->text().isEmpty())
+            return Refusal{QStringLiteral("Debe especificar el porsentaje de comosion"), ui->Text6};
+    }
+    // The commission is a number; 0 is a valid one.
+    if (!isNumeric(ui->Text6->text()))
+        return Refusal{QStringLiteral("La comision debe ser un numero"), ui->Text6};
+    return std::nullopt;
+}
+
+QVariant Fdoctores::saveAdd()
+{
+    QStringList cols{QStringLiteral("Nombre_doctor"), QStringLiteral("Apellido_doctor"),
+                     QStringLiteral("dir_doctor")};
+    // The address goes in even when empty.
+    QVariantList values{ui->Text1->text(), ui->Text2->text(), ui->Text3->text()};
+    if (!ui->Text4->text().isEmpty()) {
+        cols << QStringLiteral("tel_doctor");
+        values << ui->Text4->text();
+    }
+    if (!ui->Text5->text().isEmpty()) {
+        cols << QStringLiteral("correo_doctor");
+        values << ui->Text5->text();
+    }
+    cols << QStringLiteral("porsentaje");
+    values << Val(ui->Text6->text());
+
+    QStringList marks;
+    for (int i = 0; i < cols.size(); ++i)
+        marks << QStringLiteral("?");
+    amb1().execute(QStringLiteral("INSERT INTO Doctores (%1) VALUES (%2)")
+                       .arg(cols.join(QStringLiteral(", ")), marks.join(QStringLiteral(", "))),
+                   values);
+    QVariant code = amb1().lastInsertId();
+    if (!code.isValid() || code.isNull())
+        code = amb1().scalar(QStringLiteral("SELECT MAX(Cod_doctor) FROM Doctores"));
+    return code;
+}
+
+void Fdoctores::saveModify()
+{
+    amb1().execute(
+        QStringLiteral("UPDATE Doctores SET Nombre_doctor = ?, Apellido_doctor = ?, "
+                       "dir_doctor = ?, tel_doctor = ?, correo_doctor = ?, porsentaje = ? "
+                       "WHERE Cod_doctor = ?"),
+        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), textOrNull(ui->Text4->text()),
+         textOrNull(ui->Text5->text()), Val(ui->Text6->text()), int(selectedCode())});
+}
+
+void Fdoctores::deleteSelected()
+{
+    // Invoices that named this doctor keep their code; nothing stops the delete.
+    amb1().execute(QStringLiteral("DELETE FROM Doctores WHERE Cod_doctor = ?"),
+                   {int(selectedCode())});
+}
+
+void Fdoctores::afterDelete()
+{
+    reloadGrid();
+    clearSelection();
+    clearFields();
+    ui->Text6->setText(QStringLiteral("0"));
+    prompts().message(deletedMessage(), Icon::None, messageTitle());
+}
