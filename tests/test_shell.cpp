@@ -684,6 +684,11 @@ private slots:
         init();
         signOnAs("admin", "admin");
         main = MDIForm1::instance();
+        sp->answers = {Answer::No};
+        entry("salir")->trigger();
+        QCOMPARE(sp->lastMessage(), QString("Esta Seguro que Desea Salir del Sistema"));
+        QVERIFY(main && !main->isHidden());
+        sp->answers = {Answer::Yes};
         entry("salir")->trigger();
         flushDeletes();
         QVERIFY(!main);

@@ -193,7 +193,11 @@ void MDIForm1::wireMenu()
     }
 
     on(ui->sesion, [this] { signOff(); });
-    on(ui->salir, [this] { quitSystem(); });
+    // Leaving the system is asked first, as on the start panel.
+    on(ui->salir, [this] {
+        if (tq::prompts().ask(QStringLiteral("Esta Seguro que Desea Salir del Sistema")))
+            quitSystem();
+    });
     on(ui->paci, [this] { openPacientes(); });
     on(ui->exa, [this] { openExamenes(); });
     on(ui->emple, [this] { openEmpleados(); });
