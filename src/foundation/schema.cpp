@@ -1,0 +1,525 @@
+#include "foundation/schema.h"
+
+#include "foundation/errors.h"
+
+#include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+#include <vector>
+
+namespace tq::schema {
+
+namespace {
+
+// Column types. SQLite and PostgreSQL both read these the same way, except
+// the store's own counters, which each engine spells its own way.
+constexpr const char* kCounter = "@COUNTER@";
+constexpr const char* kKey = "INTEGER PRIMARY KEY";       // typed or worked out by a screen
+constexpr const char* kInt = "INTEGER";
+constexpr const char* kMoney = "NUMERIC(12,2) DEFAULT 0"; // written through "#.00"
+constexpr const char* kNumber = "NUMERIC";                // rates, quantities, stock
+constexpr const char* kDouble = "DOUBLE PRECISION";       // format ids
+constexpr const char* kYesNo = "BOOLEAN NOT NULL DEFAULT FALSE";
+constexpr const char* kDate = "DATE";
+constexpr const char* kMemo = "TEXT";
+
+// Widths that hold what the screens accept.
+constexpr const char* kName = "VARCHAR(60)";
+constexpr const char* kAddress = "VARCHAR(150)";
+constexpr const char* kPhone = "VARCHAR(30)";
+constexpr const char* kMail = "VARCHAR(80)";
+constexpr const char* kUser = "VARCHAR(50)";   // sign-on names and passwords
+constexpr const char* kShort = "VARCHAR(20)";
+constexpr const char* kTitle = "VARCHAR(100)"; // exam, company, parameter names
+constexpr const char* kReason = "VARCHAR(255)";
+
+struct Column {
+    const char* name;
+    const char* type;
+};
+
+struct Table {
+    const char* name;
+    std::vector<Column> columns;
+};
+
+struct Index {
+    const char* table;
+    std::vector<const char*> columns;
+    const char* name = nullptr;    // for a partial index
+    const char* where = nullptr;   // rows it covers; null for all
+};
+
+const std::vector<Table>& tables()
+{
+    static const std::vector<Table> t = {
+        // Registers
+        {"Empleados",
+         {{"cod_empleado", kCounter},
+          {"nombre_empleado", kName},
+          {"apellido_empleado", kName},
+          {"direccion_empleado", kAddress},
+          {"tel_empleado", kPhone},
+          {"cel_empleado", kPhone},
+          {"fecha_nacimiento", kDate},   // the hiring date, as the screen captions it
+          {"rol", kInt},
+          {"usuario", kUser},
+          {"Password", kUser}}},
+        {"usuariosmodulos", {{"cod_empleado", kInt}, {"cod_modulo", kInt}}},
+        {"Pacientes",
+         {{"cod_paciente", kCounter},
+          {"nombre_paciente", kName},
+          {"apellido_paciente", kName},
+          {"sexo", kShort},
+          {"fecha_nacimiento", kDate},
+          {"tel_paciente", kPhone},
+          {"cel_paciente", kPhone},
+          {"direccion_paciente", kAddress},
+          {"correo", kMail},
+          {"fax_cliente", kPhone},
+          {"asegurado", kYesNo},
+          {"eadulto", kYesNo},
+          {"Cod_seguro", "INTEGER DEFAULT 0"}}},
+        {"seguros",
+         {{"Cod_Seguro", kKey},
+          {"Empresa", kTitle},
+          {"Contacto", kName},
+          {"Tel", kPhone},
+          {"Banco", kName},
+          {"Cuenta", "VARCHAR(40)"}}},
+        {"RelSeguroPrecios",
+         {{"cod_seguro", kInt}, {"Cod_descripcionexamen", kInt}, {"precio", kMoney}}},
+        {"Doctores",
+         {{"Cod_doctor", kCounter},
+          {"Nombre_doctor", kName},
+          {"Apellido_doctor", kName},
+          {"dir_doctor", kAddress},
+          {"tel_doctor", kPhone},
+          {"correo_doctor", kMail},
+          {"porsentaje", "NUMERIC DEFAULT 0"}}},
+        {"TipoExamen", {{"cod_tipo_examen", kCounter}, {"tipo_examen", kName}}},
+        {"Examenes",
+         {{"cod_descripcionexamen", kCounter},
+          {"examen", kTitle},
+          {"cod_tipo_examen", kInt},
+          {"precio", kMoney},
+          {"precioo", kMoney},
+          {"valor", kMoney},
+          {"tiempo_entrega", "VARCHAR(50)"},
+          {"llenaresultado", kYesNo}}},
+
+        // Settings
+        {"datos",
+         {{"nombre_lab", kTitle},
+          {"eslogan_lab", kAddress},
+          {"rtn_lab", kPhone},
+          {"direccion_lab", kAddress},
+          {"telefono_lab", kName},
+          {"fax_lab", kPhone},
+          {"correo_lab", kMail},
+          {"ticketera", kYesNo},
+          {"pidecontrasena", kYesNo},
+          {"terceraedadauto", kYesNo}}},
+        {"IST", {{"IST", "NUMERIC DEFAULT 0"}}},
+        {"DTE", {{"DTE", "NUMERIC DEFAULT 0"}}},
+        {"tarjeta", {{"tarjeta", "INTEGER DEFAULT 0"}}},
+        {"respaldos", {{"id", kCounter}, {"fecha_res", kDate}, {"usuario", kUser}}},
+
+        // Invoices
+        {"Factura",
+         {{"factura", kKey},
+          {"fecha", kDate},
+          {"cod_paciente", kInt},
+          {"faturado", kUser},
+          {"sub_total", kMoney},
+          {"adicional", kShort},
+          {"valadicional", kMoney},
+          {"total", kMoney},
+          {"efectivo", kMoney},
+          {"tarjeta", kMoney},
+          {"cheque", kMoney},
+          {"Abono", kMoney},
+          {"pagada", kYesNo},
+          {"credito", kYesNo},
+          {"edad_paciente", "VARCHAR(40)"},
+          {"Cod_doctor", kInt},   // empty when no doctor referred the patient
+          {"pagada_doc", kYesNo},
+          {"comision_pagada", kMoney},
+          {"fecha_pag_doc", kDate},
+          {"anulada", kYesNo},
+          {"motivo_anulacion", kReason},
+          {"fecha_anulacion", kDate},
+          {"evaluada", kYesNo},
+          {"tipo_factura", "VARCHAR(30)"}}},
+        {"FacturaDetalle",
+         {{"factura", kInt},
+          {"cod_descripcionexamen", kInt},
+          {"cantidad", kInt},
+          {"subtotal", kMoney},
+          {"evaluado", kYesNo},
+          {"impreso", kYesNo},
+          {"num_impresion", "INTEGER DEFAULT 0"},
+          {"tecnico", kUser},
+          {"fecha_llenado", kDate},
+          {"iduniversalformato", kDouble}}},
+        {"EvaluadoTemporal",
+         {{"factura", kInt},
+          {"correlativo", kCounter},
+          {"cod_descripcionexamen", kInt},
+          {"examen", kTitle},
+          {"decrementado", kYesNo}}},
+        {"cxc",
+         {{"factura", kInt},
+          {"Cod_paciente", kInt},
+          {"estado", kYesNo},
+          {"fecha_pago", kDate},
+          {"referencia", kTitle}}},
+        {"creditos",
+         {{"factura", kInt}, {"numero", kInt}, {"fecha", kDate}, {"abono", kMoney}}},
+        {"Datostarjeta",
+         {{"factura", kInt},
+          {"num_autorizacion", kNumber},
+          {"num_tarjeta", kTitle},   // holds the card-holder's name
+          {"num_identidad", kPhone}}},
+        {"orden",
+         {{"orden", kKey},
+          {"fecha", kDate},
+          {"cod_paciente", kInt},
+          {"cod_doctor", kInt},
+          {"faturado", kUser},
+          {"sub_total", kMoney},
+          {"total", kMoney},
+          {"adicional", kShort},
+          {"valadicional", kMoney},
+          {"anulada", kYesNo},
+          {"anulacion", kDate},
+          {"quien_anulo", kUser}}},
+        {"ordenDetalle",
+         {{"orden", kInt},
+          {"cod_descripcionexamen", kInt},
+          {"cantidad", kInt},
+          {"precio", kMoney},
+          {"subtotal", kMoney}}},
+
+        // Results
+        {"parametros", {{"cod_parametro", kKey}, {"parametro", kTitle}, {"unidad", kPhone}}},
+        {"valparametros",
+         {{"cod_parametro", kInt}, {"cod_sexo", kInt}, {"valor_normal", kTitle}}},
+        {"Plantilla", {{"Cod_Plantilla", kKey}, {"Plantilla", kName}}},
+        {"PlantillaParametro",
+         {{"Cod_Plantilla", kInt}, {"cod_Parametro", kInt}, {"version", kInt}, {"orden", kInt}}},
+        {"resultados",
+         {{"num_factura", kInt},
+          {"diferenciador", kCounter},
+          {"NumFormato", kInt},
+          {"Cod_Plantilla", kInt},
+          {"celda", kShort},
+          {"valor", kMemo},
+          {"version", kInt},
+          {"iduniversalformato", kDouble}}},
+        {"submenusformatoblanco",
+         {{"codigo_formatoblanco", kInt}, {"submenu", kTitle}, {"valorsubmenu", kMemo}}},
+        {"formatoblanco", {{"codigo_formatoblanco", kInt}, {"encabezado", kName}}},
+        {"historialcambios",
+         {{"Factura", kInt},
+          {"plantilla", kName},
+          {"usuario", kUser},
+          {"fecha", kDate},
+          {"descripcion", kReason}}},
+        {"Tempo",
+         {{"nombre", kAddress}, {"edad", "VARCHAR(40)"}, {"sexo", kShort}, {"fecha", kShort}}},
+
+        // Inventory
+        {"Insumos",
+         {{"Cod_Item", kKey},
+          {"nombre_Item", kTitle},
+          {"descripcion_Item", kReason},
+          {"precio_Item", kMoney},
+          {"unidad", kPhone},
+          {"cminima", "NUMERIC DEFAULT 0"},
+          {"stock", "NUMERIC DEFAULT 0"}}},
+        {"Relacion",
+         {{"Cod_Descripcionexamen", kInt}, {"Cod_Item", kInt}, {"Cantidad", kNumber}}},
+        {"proveedor",
+         {{"prvcod", kKey},
+          {"prvnom", kTitle},
+          {"prvref", kTitle},
+          {"prvdir", kAddress},
+          {"prvtel", kPhone},
+          {"prvcor", kMail}}},
+        {"proveedoresinsumos", {{"prvcod", kInt}, {"cod_item", kInt}}},
+        {"compra",
+         {{"numcompra", kKey}, {"fecha", kDate}, {"prvcod", kInt}, {"total", kMoney}}},
+        {"compradetalle",
+         {{"numcompra", kInt},
+          {"cod_item", kInt},
+          {"cantidad", kNumber},
+          {"preciodecompra", kMoney},
+          {"subtotal", kMoney}}},
+        {"decremento", {{"factura", kInt}, {"fecha", kDate}}},
+        {"decrementodetalle", {{"factura", kInt}, {"cod_item", kInt}, {"cantidad", kNumber}}},
+        {"descargar",
+         {{"cod_item", kInt}, {"descargo", kNumber}, {"motivo", kReason}, {"fechades", kDate}}},
+    };
+    return t;
+}
+
+// Every join and look-up the screens and the report sources run, so that long
+// lists of patients and invoice lines stay instant.
+const std::vector<Index>& indexes()
+{
+    static const std::vector<Index> ix = {
+        {"Empleados", {"usuario"}},
+        {"usuariosmodulos", {"cod_empleado"}},
+        {"Pacientes", {"apellido_paciente", "nombre_paciente"}},
+        {"Pacientes", {"nombre_paciente"}},
+        {"Pacientes", {"Cod_seguro"}},
+        {"RelSeguroPrecios", {"cod_seguro", "Cod_descripcionexamen"}},
+        {"RelSeguroPrecios", {"Cod_descripcionexamen"}},
+        {"Examenes", {"cod_tipo_examen"}},
+        {"Examenes", {"examen"}},
+        {"Factura", {"cod_paciente"}},
+        {"Factura", {"fecha"}},
+        {"Factura", {"Cod_doctor"}},
+        {"FacturaDetalle", {"factura"}},
+        {"FacturaDetalle", {"cod_descripcionexamen"}},
+        {"FacturaDetalle", {"iduniversalformato"}},
+        // The results waiting to be printed are a handful among a million
+        // lines; a partial index keeps that list instant whatever the
+        // planner's statistics say.
+        {"FacturaDetalle", {"factura"}, "ix_FacturaDetalle_por_imprimir", "num_impresion = 0"},
+        {"EvaluadoTemporal", {"factura"}},
+        {"cxc", {"factura"}},
+        {"cxc", {"Cod_paciente"}},
+        {"creditos", {"factura"}},
+        {"Datostarjeta", {"factura"}},
+        {"orden", {"cod_paciente"}},
+        {"orden", {"fecha"}},
+        {"ordenDetalle", {"orden"}},
+        {"valparametros", {"cod_parametro"}},
+        {"PlantillaParametro", {"Cod_Plantilla", "version"}},
+        {"PlantillaParametro", {"cod_Parametro"}},
+        {"resultados", {"num_factura", "NumFormato"}},
+        {"resultados", {"iduniversalformato"}},
+        {"submenusformatoblanco", {"codigo_formatoblanco"}},
+        {"historialcambios", {"Factura"}},
+        {"historialcambios", {"fecha"}},
+        {"Relacion", {"Cod_Descripcionexamen"}},
+        {"Relacion", {"Cod_Item"}},
+        {"proveedoresinsumos", {"prvcod"}},
+        {"proveedoresinsumos", {"cod_item"}},
+        {"compra", {"prvcod"}},
+        {"compradetalle", {"numcompra"}},
+        {"compradetalle", {"cod_item"}},
+        {"decremento", {"factura"}},
+        {"decrementodetalle", {"factura"}},
+        {"descargar", {"cod_item"}},
+    };
+    return ix;
+}
+
+QString counterType(const QSqlDatabase& db)
+{
+    if (db.driverName().startsWith(QLatin1String("QPSQL")))
+        return QStringLiteral("INTEGER GENERATED BY DEFAULT AS IDENTITY PRIMARY KEY");
+    return QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT");
+}
+
+QString createTableSql(const Table& t, const QSqlDatabase& db)
+{
+    QStringList cols;
+    for (const Column& c : t.columns) {
+        const QString type = QLatin1String(c.type) == QLatin1String(kCounter)
+                                 ? counterType(db)
+                                 : QString::fromLatin1(c.type);
+        cols << QStringLiteral("%1 %2").arg(QLatin1String(c.name), type);
+    }
+    return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2)")
+        .arg(QLatin1String(t.name), cols.join(QStringLiteral(", ")));
+}
+
+QString createIndexSql(const Index& ix)
+{
+    QStringList cols;
+    for (const char* c : ix.columns)
+        cols << QString::fromLatin1(c);
+    const QString name = ix.name ? QString::fromLatin1(ix.name)
+                                 : QStringLiteral("ix_%1_%2").arg(QLatin1String(ix.table),
+                                                                  cols.join(QLatin1Char('_')));
+    QString sql = QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2 (%3)")
+                      .arg(name, QLatin1String(ix.table), cols.join(QStringLiteral(", ")));
+    if (ix.where)
+        sql += QStringLiteral(" WHERE ") + QLatin1String(ix.where);
+    return sql;
+}
+
+void exec(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
+          const QString& failure)
+{
+    QSqlQuery q(db);
+    if (!q.prepare(sql))
+        throw DbError(failure, q.lastError().text(), sql);
+    for (int i = 0; i < binds.size(); ++i)
+        q.bindValue(i, binds.at(i));
+    if (!q.exec())
+        throw DbError(failure, q.lastError().text(), sql);
+}
+
+QVariant insertedKey(const QSqlDatabase& db, const QString& table, const QString& column,
+                     const QVariant& fromDriver)
+{
+    if (fromDriver.isValid() && !fromDriver.isNull())
+        return fromDriver;
+    QSqlQuery q(db);
+    const QString sql = QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table);
+    if (!q.exec(sql) || !q.next())
+        throw DbError(QStringLiteral("No se pudo leer el código asignado en %1.").arg(table),
+                      q.lastError().text(), sql);
+    return q.value(0);
+}
+
+template <typename Fn>
+void inTransaction(const QSqlDatabase& conn, const QString& failure, Fn&& work)
+{
+    QSqlDatabase db = conn;
+    if (!db.isOpen())
+        throw DbError(failure, QStringLiteral("la conexión no está abierta"));
+    // When the caller already holds a transaction on this connection, the
+    // driver refuses a second one and the caller's transaction covers the work.
+    const bool own = db.transaction();
+    try {
+        work();
+    } catch (...) {
+        if (own)
+            db.rollback();
+        throw;
+    }
+    if (own && !db.commit()) {
+        const QString detail = db.lastError().text();
+        db.rollback();
+        throw DbError(failure, detail);
+    }
+}
+
+}  // namespace
+
+QStringList tableNames()
+{
+    QStringList out;
+    for (const Table& t : tables())
+        out << QString::fromLatin1(t.name);
+    return out;
+}
+
+QStringList columnNames(const QString& table)
+{
+    QStringList out;
+    for (const Table& t : tables()) {
+        if (table.compare(QLatin1String(t.name), Qt::CaseInsensitive) != 0)
+            continue;
+        for (const Column& c : t.columns)
+            out << QString::fromLatin1(c.name);
+        break;
+    }
+    return out;
+}
+
+bool isEmpty(const QSqlDatabase& db)
+{
+    const QStringList present = db.tables(QSql::Tables);
+    for (const QString& name : tableNames())
+        if (present.contains(name, Qt::CaseInsensitive))
+            return false;
+    return true;
+}
+
+void create(const QSqlDatabase& db)
+{
+    inTransaction(db, QStringLiteral("No se pudo crear la base de datos del laboratorio."), [&] {
+        for (const Table& t : tables())
+            exec(db, createTableSql(t, db), {},
+                 QStringLiteral("No se pudo crear la tabla %1 de la base de datos.")
+                     .arg(QLatin1String(t.name)));
+        for (const Index& ix : indexes())
+            exec(db, createIndexSql(ix), {},
+                 QStringLiteral("No se pudo crear un índice de la tabla %1.")
+                     .arg(QLatin1String(ix.table)));
+    });
+}
+
+void seedFirstStart(const QSqlDatabase& db)
+{
+    const QString failure =
+        QStringLiteral("No se pudieron escribir los datos iniciales de la base de datos.");
+    inTransaction(db, failure, [&] {
+        // Every patient has an insurer row; 0 stands for none.
+        exec(db, QStringLiteral("INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, "
+                                "Cuenta) VALUES (?, ?, ?, ?, ?, ?)"),
+             {0, QStringLiteral("Sin Seguro"), QString(), QString(), QString(), QString()},
+             failure);
+
+        // The laboratory's own data: sign-on shows the name, reports print it.
+        exec(db, QStringLiteral("INSERT INTO datos (nombre_lab, eslogan_lab, rtn_lab, "
+                                "direccion_lab, telefono_lab, fax_lab, correo_lab, ticketera, "
+                                "pidecontrasena, terceraedadauto) "
+                                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+             {QStringLiteral("Laboratorio Clinico (configure sus datos)"), QString(), QString(),
+              QString(), QString(), QString(), QString(), false, false, false},
+             failure);
+
+        // Card charge, third-age discount and the older card percentage all
+        // start at zero: each is the laboratory's own decision, and a made-up
+        // rate would silently change totals and the card sales report until
+        // someone noticed. They are set on their settings screens.
+        exec(db, QStringLiteral("INSERT INTO IST (IST) VALUES (?)"), {0}, failure);
+        exec(db, QStringLiteral("INSERT INTO DTE (DTE) VALUES (?)"), {0}, failure);
+        exec(db, QStringLiteral("INSERT INTO tarjeta (tarjeta) VALUES (?)"), {0}, failure);
+
+        // The result templates; their codes are fixed by the fill-in screens.
+        const QStringList templates = {
+            QStringLiteral("Formato en Blanco"), QStringLiteral("Hematologia"),
+            QStringLiteral("Uroanalisis"),       QStringLiteral("Quimica - Clinica"),
+            QStringLiteral("Parasitologia"),     QStringLiteral("Formato en Blanco 2"),
+        };
+        for (int i = 0; i < templates.size(); ++i)
+            exec(db, QStringLiteral("INSERT INTO Plantilla (Cod_Plantilla, Plantilla) VALUES (?, ?)"),
+                 {i + 1, templates.at(i)}, failure);
+
+        // The six menus of stored texts of the blank result sheet.
+        const QStringList menus = {
+            QStringLiteral("Parasitologia"), QStringLiteral("Serologia"),
+            QStringLiteral("Quimicas"),      QStringLiteral("Inmunologia"),
+            QStringLiteral("Hematologia"),   QStringLiteral("Varios"),
+        };
+        for (int i = 0; i < menus.size(); ++i)
+            exec(db, QStringLiteral("INSERT INTO formatoblanco (codigo_formatoblanco, encabezado) "
+                                    "VALUES (?, ?)"),
+                 {i + 1, menus.at(i)}, failure);
+
+        // A first administrator, so that someone can sign on and add the staff.
+        const QString insertAdmin = QStringLiteral(
+            "INSERT INTO Empleados (nombre_empleado, apellido_empleado, direccion_empleado, "
+            "tel_empleado, cel_empleado, fecha_nacimiento, rol, usuario, Password) "
+            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        QSqlQuery q(db);
+        if (!q.prepare(insertAdmin))
+            throw DbError(failure, q.lastError().text(), insertAdmin);
+        const QVariantList admin = {QStringLiteral("Administrador"), QStringLiteral("del Sistema"),
+                                    QString(), QString(), QString(), QDate::currentDate(), 1,
+                                    QStringLiteral("admin"), QStringLiteral("admin")};
+        for (int i = 0; i < admin.size(); ++i)
+            q.bindValue(i, admin.at(i));
+        if (!q.exec())
+            throw DbError(failure, q.lastError().text(), insertAdmin);
+        const QVariant code =
+            insertedKey(db, QStringLiteral("Empleados"), QStringLiteral("cod_empleado"),
+                        q.lastInsertId());
+        for (int modulo = 1; modulo <= 3; ++modulo)
+            exec(db, QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
+                                    "VALUES (?, ?)"),
+                 {code, modulo}, failure);
+    });
+}
+
+}  // namespace tq::schema
