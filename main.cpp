@@ -124,6 +124,8 @@ int main(int argc, char** argv)
         return app.exec();
     }
 
-    (new frmSplash())->show();
+    auto* splash = new frmSplash();
+    tq::centreWindow(splash);
+    splash->show();
     return app.exec();
 }

@@ -49,6 +49,10 @@ public:
     bool ask(const QString& text, const QString& title = QString::fromLatin1(kAppTitle));
 };
 
+// Places a top-level window in the middle of the active window (or of the
+// screen), unless the window was placed on purpose with move().
+void centreWindow(QWidget* window);
+
 PromptService& prompts();
 // Installs a service (not owned) and returns the previous one.
 PromptService* installPrompts(PromptService* service);

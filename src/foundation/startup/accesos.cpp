@@ -184,6 +184,7 @@ QString storeClosedMessage()
 QWidget* showSignOn()
 {
     auto* w = new Form7();
+    centreWindow(w);
     w->show();
     w->raise();
     w->activateWindow();
