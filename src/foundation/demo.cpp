@@ -1,5 +1,7 @@
 #include "foundation/demo.h"
 
+#include "foundation/schema.h"
+
 #include "foundation/errors.h"
 #include "foundation/values.h"
 
@@ -461,20 +463,7 @@ void fillDemo(const QSqlDatabase& conn)
             "La base de datos ya tiene pacientes o exámenes: los datos de demostración solo se "
             "cargan en una base de datos nueva, para no mezclarlos con datos reales."));
 
-    // When the caller already holds a transaction, it covers the work.
-    const bool own = db.transaction();
-    try {
-        fill(w);
-    } catch (...) {
-        if (own)
-            db.rollback();
-        throw;
-    }
-    if (own && !db.commit()) {
-        const QString detail = db.lastError().text();
-        db.rollback();
-        throw DbError(kFailure, detail);
-    }
+    schema::inTransaction(db, kFailure, [&] { fill(w); });
 }
 
 }  // namespace tq

@@ -379,8 +379,10 @@ QVariant insertedKey(const QSqlDatabase& db, const QString& table, const QString
     return q.value(0);
 }
 
-template <typename Fn>
-void inTransaction(const QSqlDatabase& conn, const QString& failure, Fn&& work)
+}  // namespace
+
+void inTransaction(const QSqlDatabase& conn, const QString& failure,
+                   const std::function<void()>& work)
 {
     QSqlDatabase db = conn;
     if (!db.isOpen())
@@ -402,7 +404,6 @@ void inTransaction(const QSqlDatabase& conn, const QString& failure, Fn&& work)
     }
 }
 
-}  // namespace
 
 QStringList tableNames()
 {

@@ -3,6 +3,7 @@
 // program assumes on first start.
 #include <QSqlDatabase>
 #include <QStringList>
+#include <functional>
 
 namespace tq::schema {
 
@@ -20,5 +21,11 @@ void create(const QSqlDatabase& db);
 // the six free-format menus, and the administrator admin/admin with module
 // rights 1 to 3. Throws DbError.
 void seedFirstStart(const QSqlDatabase& db);
+
+// Runs `work` in one transaction on the connection (or inside the caller's,
+// when one is already open); rolls back and rethrows on failure, and throws
+// DbError(failure, ...) when the commit fails.
+void inTransaction(const QSqlDatabase& db, const QString& failure,
+                   const std::function<void()>& work);
 
 }  // namespace tq::schema
