@@ -324,49 +324,4 @@ void RegisterScreen::afterDelete()
         prompts().message(msg, Icon::None, messageTitle());
 }
 
-// ------------------------------------------------------------ list-only combo
-
-namespace {
-
-class ListOnlyFilter : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() != QEvent::KeyPress)
-            return QObject::eventFilter(watched, event);
-        const auto* ke = static_cast<QKeyEvent*>(event);
-        switch (ke->key()) {
-        case Qt::Key_Backspace:
-        case Qt::Key_Delete:
-            return true;
-        default:
-            break;
-        }
-        if (ke->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
-            return ke->matches(QKeySequence::Paste) || ke->matches(QKeySequence::Cut)
-                   || ke->matches(QKeySequence::Undo) || ke->matches(QKeySequence::Redo);
-        // A key that would type a character is cancelled.
-        const QString t = ke->text();
-        return !t.isEmpty() && t.at(0).isPrint();
-    }
-};
-
-}  // namespace
-
-void makeListOnly(QComboBox* combo)
-{
-    if (!combo)
-        return;
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    auto* filter = new ListOnlyFilter(combo);
-    combo->installEventFilter(filter);
-    if (QLineEdit* le = combo->lineEdit()) {
-        le->setReadOnly(true);
-        le->installEventFilter(filter);
-    }
-}
-
 }  // namespace tq

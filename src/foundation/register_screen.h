@@ -20,6 +20,7 @@
 #include <optional>
 
 #include "foundation/prompt.h"
+#include "foundation/widgets.h"
 
 class QAbstractButton;
 class QComboBox;
@@ -155,9 +156,5 @@ private:
     bool m_editing = false;
 };
 
-// A list-only combo: the choice comes from its list; typed keys are
-// cancelled (arrows, Tab and the drop-down still work). The combo may still
-// show a text that is not one of its entries when the screen sets it.
-void makeListOnly(QComboBox* combo);
 
 }  // namespace tq

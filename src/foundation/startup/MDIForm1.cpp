@@ -10,6 +10,7 @@
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/values.h"
+#include "foundation/widgets.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -264,16 +265,14 @@ QWidget* MDIForm1::panelScreen(const QString& name) const
 QPoint MDIForm1::panelScreenPlace() const
 {
     // 1120 twips from the top: just under the start panel.
-    const int twips = qRound(1120.0 * logicalDpiY() / 1440.0);
-    return QPoint(0, qMax(twips, m_panelWindow ? m_panelWindow->height() : 0));
+    return QPoint(0, qMax(tq::twips(1120), m_panelWindow ? m_panelWindow->height() : 0));
 }
 
 void MDIForm1::fitPanel()
 {
     if (!m_panelWindow)
         return;
-    const int twips = qRound(1120.0 * logicalDpiY() / 1440.0);
-    const int height = qMax(twips, m_panel->sizeHint().height());
+    const int height = qMax(tq::twips(1120), m_panel->sizeHint().height());
     m_panelWindow->setGeometry(0, 0, qMax(ui->mdiArea->viewport()->width(), 200), height);
 }
 

@@ -7,36 +7,13 @@
 #include "foundation/errors.h"
 #include "foundation/prompt.h"
 #include "foundation/registry.h"
+#include "foundation/widgets.h"
 
 #include <QEvent>
 #include <QKeyEvent>
 
 using namespace tq;
 
-namespace {
-
-// Positions that were given in twips (15 to a pixel).
-constexpr int twips(int t) { return (t + 7) / 15; }
-
-// The name comes only from the list: typing in the combo is refused, while
-// the keys that move through the list or open it still work.
-class RefuseTyping : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::KeyPress) {
-            const QString text = static_cast<QKeyEvent*>(event)->text();
-            if (!text.isEmpty() && text.at(0).isPrint() && text != QLatin1String(" "))
-                return true;
-        }
-        return QObject::eventFilter(watched, event);
-    }
-};
-
-}  // namespace
 
 AdminPrompt::AdminPrompt(const QString& screen, QWidget* parent)
     : QWidget(parent, Qt::Window), ui(std::make_unique<Ui::AdminPrompt>())
@@ -45,7 +22,8 @@ AdminPrompt::AdminPrompt(const QString& screen, QWidget* parent)
     setObjectName(screen);
     setAttribute(Qt::WA_DeleteOnClose);
 
-    ui->Combo1->installEventFilter(new RefuseTyping(ui->Combo1));
+    // The name comes only from the list.
+    makeListOnly(ui->Combo1);
     onClick(ui->Command1, QStringLiteral("comprobar la cuenta de administrador"), [this] { aceptar(); });
     // Enter in the password field signs as the button does.
     connect(ui->Text1, &QLineEdit::returnPressed, ui->Command1, &QPushButton::click);
