@@ -1149,6 +1149,24 @@ QVariant Amb1::scalar(const QString& sql, const QVariantList& binds)
 
 QVariant Amb1::lastInsertId() const { return p->lastId; }
 
+QVariant Amb1::insert(const QString& table, const QStringList& columns,
+                      const QVariantList& values)
+{
+    if (columns.size() != values.size())
+        throw AppError(QStringLiteral("Error interno: %1 columnas y %2 valores para %3.")
+                           .arg(columns.size())
+                           .arg(values.size())
+                           .arg(table));
+    QStringList marks;
+    marks.reserve(columns.size());
+    for (int i = 0; i < columns.size(); ++i)
+        marks << QStringLiteral("?");
+    execute(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                .arg(table, columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", "))),
+            values);
+    return p->lastId;
+}
+
 // Nested saves share the outer transaction through savepoints, so an inner
 // failure can undo its own rows and the outer save decides on the rest.
 void Amb1::begin()

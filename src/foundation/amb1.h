@@ -127,6 +127,11 @@ public:
     QVariant scalar(const QString& sql, const QVariantList& binds = {});
     // Key given by the store to the last insert.
     QVariant lastInsertId() const;
+    // INSERT INTO table (columns) VALUES (?, ...) with the values bound. The
+    // table and column names are the program's own, never typed text.
+    // Returns the key the store gave the new row (its counter), if any.
+    QVariant insert(const QString& table, const QStringList& columns,
+                    const QVariantList& values);
 
     void begin();
     void commit();
@@ -140,6 +145,12 @@ private:
 };
 
 inline Amb1& amb1() { return Amb1::instance(); }
+
+// A typed text for an optional column: an empty box stores nothing (NULL).
+inline QVariant nullIfEmpty(const QString& text)
+{
+    return text.isEmpty() ? QVariant() : QVariant(text);
+}
 
 // One save that writes several rows: begun in the constructor, rolled back by
 // the destructor unless commit() was called.

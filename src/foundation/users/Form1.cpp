@@ -22,8 +22,6 @@ constexpr int kLastModule = 3;
 // The grid shows the table's columns 0..8; the password is never read into it.
 const QStringList kNeverShown{QStringLiteral("Password")};
 
-QVariant textOrNull(const QString& t) { return t.isEmpty() ? QVariant() : QVariant(t); }
-
 QVariant hiringDate(const QString& t)
 {
     return t.isEmpty() ? QVariant() : QVariant(parseDate(t));
@@ -124,32 +122,17 @@ std::optional<Refusal> Form1::validate(int mode)
 
 QVariant Form1::saveAdd()
 {
-    QStringList cols{QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
-                     QStringLiteral("direccion_empleado")};
-    QVariantList values{ui->Text1->text(), ui->Text2->text(), ui->Text3->text()};
-    if (!ui->Text4->text().isEmpty()) {
-        cols << QStringLiteral("tel_empleado");
-        values << ui->Text4->text();
-    }
-    if (!ui->Text5->text().isEmpty()) {
-        cols << QStringLiteral("cel_empleado");
-        values << ui->Text5->text();
-    }
-    cols << QStringLiteral("fecha_nacimiento") << QStringLiteral("rol") << QStringLiteral("usuario")
-         << QStringLiteral("Password");
-    // A new user's first password is the sign-on name.
-    values << parseDate(ui->Text6->text()) << int(toInt16(Val(ui->Combo1->currentText())))
-           << ui->Text7->text() << ui->Text7->text();
-
-    QStringList marks;
-    for (int i = 0; i < cols.size(); ++i)
-        marks << QStringLiteral("?");
-    amb1().execute(QStringLiteral("INSERT INTO Empleados (%1) VALUES (%2)")
-                       .arg(cols.join(QStringLiteral(", ")), marks.join(QStringLiteral(", "))),
-                   values);
-    QVariant code = amb1().lastInsertId();
-    if (!code.isValid() || code.isNull())
-        code = amb1().scalar(QStringLiteral("SELECT MAX(cod_empleado) FROM Empleados"));
+    // Telephone and mobile are written only when typed; a new user's first
+    // password is the sign-on name.
+    const QVariant code = amb1().insert(
+        QStringLiteral("Empleados"),
+        {QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
+         QStringLiteral("direccion_empleado"), QStringLiteral("tel_empleado"),
+         QStringLiteral("cel_empleado"), QStringLiteral("fecha_nacimiento"), QStringLiteral("rol"),
+         QStringLiteral("usuario"), QStringLiteral("Password")},
+        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
+         nullIfEmpty(ui->Text5->text()), hiringDate(ui->Text6->text()),
+         int(toInt16(Val(ui->Combo1->currentText()))), ui->Text7->text(), ui->Text7->text()});
     if (!code.isValid() || code.isNull())
         throw AppError(QStringLiteral("No se obtuvo el codigo del nuevo empleado."));
 
@@ -167,8 +150,8 @@ void Form1::saveModify()
         QStringLiteral("UPDATE Empleados SET nombre_empleado = ?, apellido_empleado = ?, "
                        "direccion_empleado = ?, tel_empleado = ?, cel_empleado = ?, "
                        "fecha_nacimiento = ?, rol = ? WHERE cod_empleado = ?"),
-        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), textOrNull(ui->Text4->text()),
-         textOrNull(ui->Text5->text()), hiringDate(ui->Text6->text()),
+        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
+         nullIfEmpty(ui->Text5->text()), hiringDate(ui->Text6->text()),
          int(toInt16(Val(ui->Combo1->currentText()))), int(selectedCode())});
 }
 

@@ -12,12 +12,6 @@ TQ_REGISTER_SCREEN(Fdoctores)
 
 using namespace tq;
 
-namespace {
-
-QVariant textOrNull(const QString& t) { return t.isEmpty() ? QVariant() : QVariant(t); }
-
-}  // namespace
-
 Fdoctores::Fdoctores(QWidget* parent)
     : RegisterScreen(parent), ui(std::make_unique<Ui::Fdoctores>())
 {
@@ -76,31 +70,14 @@ std::optional<Refusal> Fdoctores::validate(int mode)
 
 QVariant Fdoctores::saveAdd()
 {
-    QStringList cols{QStringLiteral("Nombre_doctor"), QStringLiteral("Apellido_doctor"),
-                     QStringLiteral("dir_doctor")};
-    // The address goes in even when empty.
-    QVariantList values{ui->Text1->text(), ui->Text2->text(), ui->Text3->text()};
-    if (!ui->Text4->text().isEmpty()) {
-        cols << QStringLiteral("tel_doctor");
-        values << ui->Text4->text();
-    }
-    if (!ui->Text5->text().isEmpty()) {
-        cols << QStringLiteral("correo_doctor");
-        values << ui->Text5->text();
-    }
-    cols << QStringLiteral("porsentaje");
-    values << Val(ui->Text6->text());
-
-    QStringList marks;
-    for (int i = 0; i < cols.size(); ++i)
-        marks << QStringLiteral("?");
-    amb1().execute(QStringLiteral("INSERT INTO Doctores (%1) VALUES (%2)")
-                       .arg(cols.join(QStringLiteral(", ")), marks.join(QStringLiteral(", "))),
-                   values);
-    QVariant code = amb1().lastInsertId();
-    if (!code.isValid() || code.isNull())
-        code = amb1().scalar(QStringLiteral("SELECT MAX(Cod_doctor) FROM Doctores"));
-    return code;
+    // The address goes in even when empty; telephone and e-mail only when typed.
+    return amb1().insert(
+        QStringLiteral("Doctores"),
+        {QStringLiteral("Nombre_doctor"), QStringLiteral("Apellido_doctor"),
+         QStringLiteral("dir_doctor"), QStringLiteral("tel_doctor"), QStringLiteral("correo_doctor"),
+         QStringLiteral("porsentaje")},
+        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
+         nullIfEmpty(ui->Text5->text()), Val(ui->Text6->text())});
 }
 
 void Fdoctores::saveModify()
@@ -109,8 +86,8 @@ void Fdoctores::saveModify()
         QStringLiteral("UPDATE Doctores SET Nombre_doctor = ?, Apellido_doctor = ?, "
                        "dir_doctor = ?, tel_doctor = ?, correo_doctor = ?, porsentaje = ? "
                        "WHERE Cod_doctor = ?"),
-        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), textOrNull(ui->Text4->text()),
-         textOrNull(ui->Text5->text()), Val(ui->Text6->text()), int(selectedCode())});
+        {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
+         nullIfEmpty(ui->Text5->text()), Val(ui->Text6->text()), int(selectedCode())});
 }
 
 void Fdoctores::deleteSelected()
