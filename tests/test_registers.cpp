@@ -168,7 +168,7 @@ void TestRegisters::employeeChecksComeInOrder()
                       "Empleados", true),
              QString());
     // The hiring date must be a real date before anything is written.
-    for (const QString& bad : {"ayer", "31/02/2024"}) {
+    for (const char* bad : {"ayer", "31/02/2024"}) {
         retype(edit(w, "Text6"), bad);
         QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
         QCOMPARE(w->focusWidget(), widget(w, "Text6"));

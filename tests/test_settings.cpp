@@ -141,8 +141,8 @@ void TestSettings::datosSavedAndReadBack()
         QCOMPARE(rows("datos"), 1);
         for (int i = 0; i < kColumns.size(); ++i)
             QCOMPARE(value("select " + kColumns[i] + " from datos").toString(), typed[i]);
-        for (const QString& c : {"ticketera", "pidecontrasena", "terceraedadauto"})
-            QCOMPARE(value("select " + c + " from datos").toBool(), on);
+        for (const char* c : {"ticketera", "pidecontrasena", "terceraedadauto"})
+            QCOMPARE(value(QString("select ") + c + " from datos").toBool(), on);
 
         s = openScreen("FDatos");
         for (int i = 0; i < kColumns.size(); ++i)
