@@ -1,0 +1,86 @@
+// The menu entries and the panel shortcut reach the real screens built so
+// far (the shell's own tests use stand-ins).
+#include "testsupport.h"
+
+#include "foundation/appstate.h"
+#include "foundation/startup/Form4.h"
+#include "foundation/startup/MDIForm1.h"
+#include "foundation/startup/accesos.h"
+
+#include <QAction>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QToolButton>
+
+using namespace tq;
+using namespace tq::test;
+
+class TestWiring : public QObject {
+    Q_OBJECT
+private slots:
+    void menuEntriesOpenTheirScreens();
+    void employeesShortcutOpensForm1InsideTheMainWindow();
+};
+
+void TestWiring::menuEntriesOpenTheirScreens()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    QCOMPARE(signOn(QStringLiteral("admin"), QStringLiteral("admin")), SignOnOutcome::Granted);
+    MDIForm1* main = MDIForm1::instance();
+    QVERIFY(main);
+
+    // Entry, the screen it opens, and a control only the real screen has.
+    const struct {
+        const char *entry, *screen, *control;
+    } cases[] = {
+        {"contra", "FcambioContrasena", "Text4"}, {"dat", "FDatos", "boton2"},
+        {"MNMIST", "FInpuestoTarjeta", "boton2"}, {"MNDTE", "FdescuentoTedad", "boton2"},
+        {"doc", "Fdoctores", "DataGrid1"},        {"respaldo", "frmBackup", "Command1"},
+        {"modifval", "Form342", "Combo1"},
+    };
+    for (const auto& c : cases) {
+        bool real = false;
+        sp.onModal(c.screen, [&](QWidget* w) { real = control<QWidget>(w, c.control) != nullptr; });
+        auto* entry = main->findChild<QAction*>(c.entry);
+        QVERIFY2(entry && entry->isEnabled(), c.entry);
+        const int before = sp.prompts.size();
+        entry->trigger();
+        QStringList opened;
+        for (int i = before; i < sp.prompts.size(); ++i)
+            if (sp.prompts[i].kind == Prompt::Modal)
+                opened << sp.prompts[i].text;
+        QCOMPARE(opened, QStringList{QString(c.screen)});
+        QVERIFY2(real, c.entry);
+    }
+    // An empty store of doctors is the only message on the way.
+    QCOMPARE(sp.messages(), QStringList{QStringLiteral("No existen Doctores ingresados")});
+
+    auto* emple = main->findChild<QAction*>("emple");
+    QVERIFY(emple);
+    emple->trigger();
+    QMdiSubWindow* sub = main->findChild<QMdiArea*>()->activeSubWindow();
+    QVERIFY(sub && sub->widget());
+    QCOMPARE(sub->widget()->objectName(), QStringLiteral("Form1"));
+    QCOMPARE(state().screenNumber, std::int16_t(1));
+    main->close();
+}
+
+void TestWiring::employeesShortcutOpensForm1InsideTheMainWindow()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    QCOMPARE(signOn(QStringLiteral("admin"), QStringLiteral("admin")), SignOnOutcome::Granted);
+    MDIForm1* main = MDIForm1::instance();
+    auto* image3 = main->findChild<QToolButton*>("Image3");
+    QVERIFY(image3 && image3->isEnabled());
+    image3->click();
+    QMdiSubWindow* sub = main->findChild<QMdiArea*>()->activeSubWindow();
+    QVERIFY(sub && sub->widget());
+    QCOMPARE(sub->widget()->objectName(), QStringLiteral("Form1"));
+    QVERIFY(control<QWidget>(sub->widget(), "DataGrid1"));
+    main->close();
+}
+
+QTEST_MAIN(TestWiring)
+#include "test_wiring.moc"
