@@ -273,7 +273,15 @@ private slots:
         QVERIFY(sp.messages().isEmpty());
         QCOMPARE(control<QProgressBar>(w, "ProgressBar1")->value(), 0);
         QCOMPARE(count("respaldos"), 0);
+
+        // Closed while the bar still runs: the copy exists, so it is told and recorded.
+        sp.files = {QDir(store.folder()).filePath("apurado")};
+        QVERIFY(clickNamed(w, "Command1"));
         w->close();
+        QCOMPARE(sp.messages(), QStringList{kBackedUp});
+        QCOMPARE(count("respaldos"), 1);
+        QVERIFY(QFile::exists(QDir(store.folder()).filePath("apurado.db")));
+        sp.clear();
 
         // A copy that can't be made: the success text as always, then the truth.
         const QString target = QDir(store.folder()).filePath("no_existe/copia");
@@ -284,7 +292,7 @@ private slots:
         QVERIFY(said.at(1).startsWith("ATENCION: la copia de respaldo NO se pudo crear en "));
         QVERIFY(said.at(1).contains("no_existe"));
         QCOMPARE(sp.prompts.last().icon, Icon::Critical);
-        QCOMPARE(count("respaldos"), 1);
+        QCOMPARE(count("respaldos"), 2);
         QFile log(QDir(store.folder()).filePath("tarvenquil.log"));
         QVERIFY(log.open(QIODevice::ReadOnly) && log.readAll().contains("no_existe"));
 

@@ -12,6 +12,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
 #include <QTimer>
@@ -123,7 +124,7 @@ void frmBackup::tick()
     finish();
 }
 
-void frmBackup::finish()
+void frmBackup::finish(bool closeAfter)
 {
     prompts().message(QStringLiteral("Su base de Datos se respaldo exitosamente"));
     // The row records that a backup was asked for; when the copy itself
@@ -143,8 +144,21 @@ void frmBackup::finish()
         Recordset& rs = amb1().rs(QStringLiteral("rsDetallefact"));
         if (rs.isOpen())
             rs.close();
-        close();
     });
+    if (closeAfter)
+        close();
+}
+
+void frmBackup::closeEvent(QCloseEvent* event)
+{
+    // The copy is already made when the bar starts: closing the screen before
+    // the bar ends still tells the user and records the backup.
+    if (m_flag == 1 && m_timer->isActive()) {
+        m_timer->stop();
+        m_flag = 0;
+        finish(false);
+    }
+    QWidget::closeEvent(event);
 }
 
 TQ_REGISTER_SCREEN(frmBackup)

@@ -20,11 +20,16 @@ public:
     explicit frmBackup(QWidget* parent = nullptr);
     ~frmBackup() override;
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     void showLastBackup();
     void startBackup();
     void tick();
-    void finish();
+    // The end of a backup: the messages and the respaldos row; the screen
+    // then closes unless it is already closing.
+    void finish(bool closeAfter = true);
 
     std::unique_ptr<Ui::frmBackup> ui;
     QTimer* m_timer = nullptr;
