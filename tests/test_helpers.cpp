@@ -145,7 +145,14 @@ void TestHelpers::dateForms()
     QCOMPARE(parseDate(QStringLiteral("07/03/26")), d);
     QCOMPARE(parseDate(QStringLiteral("07/03/85")), QDate(1985, 3, 7));
     QCOMPARE(parseDate(QStringLiteral("2026-03-07")), d);
+    QCOMPARE(parseDate(QStringLiteral("7/3/26 10:15")), d);
     QVERIFY(!parseDate(QStringLiteral("31/02/2026")).isValid());
+    // What the store hands back: dates, date-times and ISO text.
+    QCOMPARE(storedDate(QVariant(d)), d);
+    QCOMPARE(storedDate(QVariant(QStringLiteral("2026-03-07T08:30:00.000"))), d);
+    QCOMPARE(storedDate(QVariant(QDateTime(d, QTime(23, 59)))), d);
+    QVERIFY(!storedDate(QVariant(QStringLiteral("07/03/2026"))).isValid());
+    QVERIFY(!storedDate(QVariant(42)).isValid());
     QVERIFY(!parseDate(QStringLiteral("hoy")).isValid());
 }
 

@@ -292,21 +292,6 @@ std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& bi
 
 // ---------------------------------------------------------------- Filter
 
-// A date as filter texts carry it: d/m/yy or dd/mm/yyyy (a time after it is
-// ignored), else whatever the shared date reader takes (ISO among them).
-QDate filterDate(const QString& text)
-{
-    static const QRegularExpression dmy(QStringLiteral(
-        "^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{2}|\\d{4})(?:\\s+\\d{1,2}:\\d{2}(?::\\d{2})?)?\\s*$"));
-    const auto m = dmy.match(text);
-    if (!m.hasMatch())
-        return parseDate(text);
-    int year = m.captured(3).toInt();
-    if (m.capturedLength(3) == 2)
-        year += year < 30 ? 2000 : 1900;   // the same pivot as typed dates
-    return QDate(year, m.captured(2).toInt(), m.captured(1).toInt());
-}
-
 enum class Op { Eq, Ne, Lt, Gt, Le, Ge, Like, IsNull, IsNotNull };
 
 struct Literal {
@@ -563,7 +548,7 @@ private:
         case Token::BareDate:
             lit.kind = Literal::Date;
             lit.text = v.text;
-            lit.date = filterDate(v.text);
+            lit.date = parseDate(v.text);
             if (!lit.date.isValid())
                 fail(QStringLiteral("la fecha «%1» no es válida").arg(v.text));
             break;
@@ -607,31 +592,6 @@ private:
     std::vector<Token> m_tokens;
     size_t m_at = 0;
 };
-
-bool looksLikeIsoDate(const QString& s)
-{
-    return s.size() >= 10 && s.at(4) == QLatin1Char('-') && s.at(7) == QLatin1Char('-')
-           && s.at(0).isDigit() && s.at(5).isDigit() && s.at(8).isDigit();
-}
-
-// The date of a cell, or an invalid date when the cell isn't one.
-QDate cellDate(const QVariant& v)
-{
-    switch (v.typeId()) {
-    case QMetaType::QDate:
-        return v.toDate();
-    case QMetaType::QDateTime:
-        return v.toDateTime().date();
-    case QMetaType::QString: {
-        const QString s = v.toString();
-        if (looksLikeIsoDate(s))
-            return QDate::fromString(s.left(10), Qt::ISODate);
-        return QDate();
-    }
-    default:
-        return QDate();
-    }
-}
 
 bool cellTruth(const QVariant& v)
 {
@@ -698,12 +658,12 @@ bool matches(const Condition& c, const QVector<QVariant>& row, bool yesNoColumn)
         return compareBy(c.op, cellTruth(v) ? 1 : 0, litTruth ? 1 : 0);
     }
 
-    const QDate asDate = cellDate(v);
+    const QDate asDate = storedDate(v);
     if (lit.kind == Literal::Date || (asDate.isValid() && lit.kind == Literal::Text)) {
-        const QDate wanted = lit.kind == Literal::Date ? lit.date : filterDate(lit.text);
+        const QDate wanted = lit.kind == Literal::Date ? lit.date : parseDate(lit.text);
         QDate have = asDate;
         if (!have.isValid())
-            have = filterDate(v.toString());
+            have = parseDate(v.toString());
         if (wanted.isValid() && have.isValid())
             return compareBy(c.op, have, wanted);
         if (lit.kind == Literal::Date)

@@ -7,7 +7,6 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMouseEvent>
-#include <QRegularExpression>
 
 namespace tq {
 
@@ -91,17 +90,12 @@ QString RecordsetModel::displayText(const QVariant& v)
     }
     const QString t = v.toString();
     // The embedded store hands dates back as ISO text; show them as dates.
-    static const QRegularExpression iso(
-        QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})(?:[T ](\\d{2}:\\d{2}(?::\\d{2})?)(?:\\.\\d+)?)?$"));
-    const auto m = iso.match(t);
-    if (m.hasMatch()) {
-        const QDate d(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
-        if (d.isValid()) {
-            const QString time = m.captured(4);
-            if (time.isEmpty() || time == QLatin1String("00:00") || time == QLatin1String("00:00:00"))
-                return dateLong(d);
-            return dateLong(d) + QLatin1Char(' ') + time;
-        }
+    if (const QDate d = storedDate(t); d.isValid()) {
+        const QString time = t.mid(11, 8);
+        if (time.isEmpty() || time.startsWith(QLatin1String("00:00:00"))
+            || time == QLatin1String("00:00"))
+            return dateLong(d);
+        return dateLong(d) + QLatin1Char(' ') + time;
     }
     return t;
 }

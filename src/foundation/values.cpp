@@ -105,21 +105,36 @@ QString dateShort(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yy")
 
 QDate parseDate(const QString& text)
 {
-    const QString t = text.trimmed();
-    QDate d = QDate::fromString(t, QStringLiteral("dd/MM/yyyy"));
-    if (!d.isValid())
-        d = QDate::fromString(t, QStringLiteral("d/M/yyyy"));
-    if (!d.isValid()) {
-        d = QDate::fromString(t, QStringLiteral("dd/MM/yy"));
-        // Two-digit years: 00-29 are this century, 30-99 the last one.
-        if (d.isValid() && d.year() < 1930)
-            d = d.addYears(100);
-        else if (d.isValid() && d.year() >= 2030)
-            d = d.addYears(-100);
+    static const QRegularExpression dmy(QStringLiteral(
+        "^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{2}|\\d{4})(?:\\s+\\d{1,2}:\\d{2}(?::\\d{2})?)?\\s*$"));
+    const auto m = dmy.match(text);
+    if (m.hasMatch()) {
+        int year = m.captured(3).toInt();
+        if (m.capturedLength(3) == 2)
+            year += year < 30 ? 2000 : 1900;
+        return QDate(year, m.captured(2).toInt(), m.captured(1).toInt());
     }
-    if (!d.isValid())
-        d = QDate::fromString(t.left(10), Qt::ISODate);
-    return d;
+    return storedDate(text.trimmed());
+}
+
+QDate storedDate(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QDate:
+        return value.toDate();
+    case QMetaType::QDateTime:
+        return value.toDateTime().date();
+    case QMetaType::QString: {
+        static const QRegularExpression iso(
+            QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})(?:[T ]\\d{2}:\\d{2}(?::\\d{2}(?:\\.\\d+)?)?)?$"));
+        const auto m = iso.match(value.toString());
+        if (!m.hasMatch())
+            return {};
+        return QDate(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
+    }
+    default:
+        return {};
+    }
 }
 
 }  // namespace tq

@@ -45,8 +45,14 @@ Age calculoedad(const QDate& birth, const QDate& today = QDate::currentDate());
 // "DD/MM/YYYY" on labels, "DD/MM/YY" in date pickers.
 QString dateLong(const QDate& d);
 QString dateShort(const QDate& d);
-// Reads "DD/MM/YYYY" or "DD/MM/YY" (and ISO "YYYY-MM-DD"); invalid QDate when
-// the text is not a date.
+// Reads a typed or filter date: "D/M/YYYY" or "D/M/YY" (a time after it is
+// ignored), or ISO "YYYY-MM-DD"; invalid QDate when the text is not a date.
+// Two-digit years 00-29 are this century, 30-99 the last one.
 QDate parseDate(const QString& text);
+
+// The date of a value read from the store: a QDate, a QDateTime, or the ISO
+// text ("YYYY-MM-DD", a time may follow) the embedded store hands back.
+// Invalid for anything else.
+QDate storedDate(const QVariant& value);
 
 }  // namespace tq

@@ -21,20 +21,6 @@ using namespace tq;
 
 namespace {
 
-// A date column as the store gives it back: a date, a date and time, or text.
-QDate dateOf(const QVariant& v)
-{
-    if (v.isNull())
-        return {};
-    if (v.typeId() == QMetaType::QDate)
-        return v.toDate();
-    if (v.typeId() == QMetaType::QDateTime)
-        return v.toDateTime().date();
-    const QString text = v.toString().trimmed();
-    QDate d = QDate::fromString(text.left(10), Qt::ISODate);
-    return d.isValid() ? d : parseDate(text);
-}
-
 // The suffix of the store's own file, which every copy carries.
 QString storeSuffix()
 {
@@ -78,7 +64,7 @@ void frmBackup::showLastBackup()
         return;
     }
     rs.moveLast();
-    ui->Label4->setText(dateLong(dateOf(rs.field(QStringLiteral("fecha_res")))));
+    ui->Label4->setText(dateLong(storedDate(rs.field(QStringLiteral("fecha_res")))));
 }
 
 void frmBackup::startBackup()
