@@ -70,6 +70,7 @@ void TestHelpers::valReadsTheLeadingNumber_data()
     QTest::addColumn<double>("value");
     QTest::newRow("fraction stops at slash") << "12/5" << 12.0;
     QTest::newRow("leading blanks") << "   3.5kg" << 3.5;
+    QTest::newRow("inner blanks") << "1 500" << 1500.0;
     QTest::newRow("letters") << "abc" << 0.0;
     QTest::newRow("empty") << "" << 0.0;
     QTest::newRow("negative") << "-2" << -2.0;
@@ -211,6 +212,31 @@ void TestHelpers::errorBoundaryRollsBackLogsAndKeepsRunning()
     QFile log(QDir(store.folder()).filePath(QStringLiteral("tarvenquil.log")));
     QVERIFY(log.open(QIODevice::ReadOnly));
     QVERIFY(QString::fromUtf8(log.readAll()).contains(QStringLiteral("TablaQueNoExiste")));
+
+    // A failed action inside another (a modal screen opened by a save) undoes
+    // only its own rows; the outer save goes on and commits whole.
+    sp.clear();
+    guarded(QStringLiteral("guardar la factura"), [] {
+        Transaction outer;
+        amb1().execute(QStringLiteral("INSERT INTO TipoExamen (tipo_examen) VALUES (?)"),
+                       {QStringLiteral("Hematologia")});
+        guarded(QStringLiteral("cobrar"), [] {
+            Transaction inner;
+            amb1().execute(QStringLiteral("INSERT INTO TipoExamen (tipo_examen) VALUES (?)"),
+                           {QStringLiteral("a medias")});
+            throw AppError(QStringLiteral("pago rechazado"));
+        });
+        QVERIFY(amb1().inTransaction());
+        amb1().execute(QStringLiteral("INSERT INTO TipoExamen (tipo_examen) VALUES (?)"),
+                       {QStringLiteral("Quimica")});
+        outer.commit();
+    });
+    QCOMPARE(sp.messages().size(), 1);
+    QCOMPARE(amb1().scalar(QStringLiteral("SELECT group_concat(tipo_examen, ',') FROM "
+                                          "(SELECT tipo_examen FROM TipoExamen ORDER BY 1)"))
+                 .toString(),
+             QStringLiteral("Hematologia,Quimica"));
+    QVERIFY(!amb1().inTransaction());
 
     // An overflow inside a button's action is reported and the program goes on.
     QPushButton b;

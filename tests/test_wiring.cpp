@@ -79,6 +79,13 @@ void TestWiring::employeesShortcutOpensForm1InsideTheMainWindow()
     QVERIFY(sub && sub->widget());
     QCOMPARE(sub->widget()->objectName(), QStringLiteral("Form1"));
     QVERIFY(control<QWidget>(sub->widget(), "DataGrid1"));
+    // Asked again, from the panel or the menu, the open screen comes forward.
+    image3->click();
+    main->findChild<QAction*>("emple")->trigger();
+    int copies = 0;
+    for (QMdiSubWindow* w : main->findChild<QMdiArea*>()->subWindowList())
+        copies += w->widget() && w->widget()->objectName() == QLatin1String("Form1");
+    QCOMPARE(copies, 1);
     main->close();
 }
 

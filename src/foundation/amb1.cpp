@@ -1199,6 +1199,8 @@ void Amb1::rollback()
 
 bool Amb1::inTransaction() const { return p->depth > 0; }
 
+int Amb1::transactionDepth() const { return p->depth; }
+
 Transaction::Transaction()
 {
     amb1().begin();
@@ -1224,10 +1226,10 @@ void Transaction::commit()
     amb1().commit();
 }
 
-void rollbackOpenTransaction()
+void rollbackOpenTransaction(int depth)
 {
     Amb1& a = amb1();
-    while (a.inTransaction())
+    while (a.transactionDepth() > depth)
         a.rollback();
 }
 

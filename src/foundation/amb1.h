@@ -137,6 +137,8 @@ public:
     void commit();
     void rollback();
     bool inTransaction() const;
+    // Levels of transaction open now (a save inside a save adds one).
+    int transactionDepth() const;
 
 private:
     Amb1();
@@ -166,7 +168,8 @@ private:
     bool m_done = false;
 };
 
-// Used by the error boundary: rolls back a transaction left open by a failed action.
-void rollbackOpenTransaction();
+// Used by the error boundary: rolls back the transaction levels a failed
+// action left open, down to `depth` (the levels its caller holds stay).
+void rollbackOpenTransaction(int depth = 0);
 
 }  // namespace tq

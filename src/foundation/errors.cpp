@@ -34,29 +34,33 @@ void logLine(const QString& line)
     out << QDateTime::currentDateTime().toString(Qt::ISODate) << ' ' << line << '\n';
 }
 
-static void report(const QString& what, const QString& userText, const QString& logText)
+static void report(int depth, const QString& what, const QString& userText,
+                   const QString& logText)
 {
-    rollbackOpenTransaction();
+    rollbackOpenTransaction(depth);
     logLine(QStringLiteral("Error al %1: %2").arg(what, logText));
     prompts().message(QStringLiteral("No se pudo %1.\n\n%2").arg(what, userText), Icon::Critical);
 }
 
 bool guarded(const QString& what, const std::function<void()>& fn)
 {
+    // An action run inside another (a modal screen opened by a save) undoes
+    // only its own work; the outer action's transaction stays its own.
+    const int depth = amb1().transactionDepth();
     try {
         fn();
         return true;
     } catch (const DbError& e) {
-        report(what, e.message(),
+        report(depth, what, e.message(),
                e.message() + QStringLiteral(" | ") + e.detail()
                    + (e.sql().isEmpty() ? QString() : QStringLiteral(" | ") + e.sql()));
     } catch (const AppError& e) {
-        report(what, e.message(), e.message());
+        report(depth, what, e.message(), e.message());
     } catch (const std::exception& e) {
         const QString t = QString::fromLocal8Bit(e.what());
-        report(what, QStringLiteral("Error inesperado: %1").arg(t), t);
+        report(depth, what, QStringLiteral("Error inesperado: %1").arg(t), t);
     } catch (...) {
-        report(what, QStringLiteral("Error inesperado."), QStringLiteral("excepción desconocida"));
+        report(depth, what, QStringLiteral("Error inesperado."), QStringLiteral("excepción desconocida"));
     }
     return false;
 }

@@ -32,11 +32,18 @@ QString money(const QVariant& amount)
 
 double Val(const QString& text)
 {
-    // Leading blanks are skipped; then an optional sign, digits with at most
-    // one decimal point, and an optional exponent.
+    // Blanks, tabs and line feeds are skipped wherever they stand ("1 500"
+    // is 1500); then an optional sign, digits with at most one decimal
+    // point, and an optional exponent.
+    QString packed;
+    packed.reserve(text.size());
+    for (const QChar c : text)
+        if (c != QLatin1Char(' ') && c != QLatin1Char('\t') && c != QLatin1Char('\n')
+            && c != QLatin1Char('\r'))
+            packed.append(c);
     static const QRegularExpression re(
-        QStringLiteral("^\\s*([-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?)"));
-    const auto m = re.match(text);
+        QStringLiteral("^([-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?)"));
+    const auto m = re.match(packed);
     if (!m.hasMatch())
         return 0.0;
     return m.captured(1).toDouble();

@@ -15,8 +15,9 @@ QString money(double amount);
 // Money text of a value read from the store or typed (through Val).
 QString money(const QVariant& amount);
 
-// The leading number of a text, as typed numbers were always read:
-// "12/5" -> 12, " 3.5kg" -> 3.5, "abc" -> 0, "-2" -> -2, "1e3" -> 1000.
+// The leading number of a text, as typed numbers were always read: blanks
+// anywhere are skipped, reading stops at the first other character.
+// "12/5" -> 12, " 3.5kg" -> 3.5, "1 500" -> 1500, "abc" -> 0, "-2" -> -2.
 double Val(const QString& text);
 
 // True when the whole text (blanks aside) is a number, as the classic

@@ -212,19 +212,19 @@ void MDIForm1::wireMenu()
     // Reports of the menu: today's cut, the exam lists, letterhead and blank invoice.
     on(ui->cortedia, [this] {
         runReport(QStringLiteral("DataReport2"), QStringLiteral("rsrcorte_Grouping"),
-                  QStringLiteral("anulada =0 and fecha =") + tq::state().workingDate, 2, true);
+                  QStringLiteral("anulada =0 and fecha =") + tq::state().workingDate, 2);
     });
     on(ui->lista, [this] {
-        runReport(QStringLiteral("DataReport3"), QStringLiteral("rsrexamenes"), {}, 3, false);
+        runReport(QStringLiteral("DataReport3"), QStringLiteral("rsrexamenes"), {}, 3);
     });
     on(ui->blanc, [this] {
-        runReport(QStringLiteral("DataReport4"), QStringLiteral("rsCommand5"), {}, 4, false);
+        runReport(QStringLiteral("DataReport4"), QStringLiteral("rsCommand5"), {}, 4);
     });
     on(ui->listadoc, [this] {
-        runReport(QStringLiteral("DataReport14"), QStringLiteral("rsrexamenes"), {}, 14, false);
+        runReport(QStringLiteral("DataReport14"), QStringLiteral("rsrexamenes"), {}, 14);
     });
     on(ui->membre, [this] {
-        runReport(QStringLiteral("DataReport19"), QStringLiteral("rstipoexamen"), {}, 19, false);
+        runReport(QStringLiteral("DataReport19"), QStringLiteral("rstipoexamen"), {}, 19);
     });
 }
 
@@ -284,6 +284,14 @@ QWidget* MDIForm1::openPanelScreen(const QString& name, const QStringList& close
         if (QWidget* w = sw->widget(); w && closeFirst.contains(w->objectName()))
             sw->close();
     }
+    // A screen already open comes forward; a second copy would hold its own
+    // numbers and rows (an invoice number taken twice).
+    if (QWidget* open = panelScreen(name)) {
+        if (auto* sw = qobject_cast<QMdiSubWindow*>(open->parentWidget()))
+            ui->mdiArea->setActiveSubWindow(sw);
+        open->setFocus();
+        return open;
+    }
     QWidget* w = tq::ScreenRegistry::instance().create(name, nullptr);
     if (!w) {
         tq::notBuiltNotice(name);
@@ -302,6 +310,13 @@ QWidget* MDIForm1::openPanelScreen(const QString& name, const QStringList& close
 
 void MDIForm1::openModeless(const QString& name)
 {
+    for (QWidget* open : findChildren<QWidget*>(name, Qt::FindDirectChildrenOnly)) {
+        if (open->isWindow() && open->isVisible()) {
+            open->raise();
+            open->activateWindow();
+            return;
+        }
+    }
     QWidget* w = tq::ScreenRegistry::instance().create(name, nullptr);
     if (!w) {
         tq::notBuiltNotice(name);
@@ -316,17 +331,19 @@ void MDIForm1::openModeless(const QString& name)
 }
 
 void MDIForm1::runReport(const QString& report, const QString& command, const QString& filter,
-                         int heading, bool reopen)
+                         int heading)
 {
     if (!tq::ScreenRegistry::instance().has(report)) {
         tq::notBuiltNotice(report);
         return;
     }
+    // The slot may hold whatever its last user opened in it (sign-on leaves
+    // rsCommand5 on the laboratory's row): the report's source is always
+    // opened afresh.
     tq::Recordset& rs = tq::amb1().rs(command);
-    if (reopen && rs.isOpen())
+    if (rs.isOpen())
         rs.close();
-    if (!rs.isOpen())
-        rs.open();
+    rs.open();
     rs.setFilter(QString());
     if (!filter.isEmpty())
         rs.setFilter(filter);

@@ -57,7 +57,7 @@ private:
     QWidget* openPanelScreen(const QString& name, const QStringList& closeFirst);
     void openModeless(const QString& name);
     void runReport(const QString& report, const QString& command, const QString& filter,
-                   int heading, bool reopen);
+                   int heading);
     void fitPanel();
 
     std::unique_ptr<Ui::MDIForm1> ui;
