@@ -1,6 +1,5 @@
-// The data environment: the named commands, the walking idiom, bound values,
-// Filter, the invoice with its lines and the report groups, transactions and
-// a store that can't be opened.
+// The data environment: named commands, walking, bound values, Filter, the
+// report groups on real invoices, transactions and a store that can't be opened.
 #include "testsupport.h"
 
 #include "foundation/amb1.h"
@@ -10,6 +9,7 @@
 #include <QFile>
 #include <QSqlDatabase>
 #include <QTemporaryDir>
+#include <optional>
 
 using namespace tq;
 
@@ -38,37 +38,20 @@ int addPatient(const QString& nombre, const QString& apellido)
     return insert("INSERT INTO Pacientes (nombre_paciente, apellido_paciente, Cod_seguro) "
                   "VALUES (?, ?, 0)", {nombre, apellido});
 }
-
 int addExam(const QString& examen, double precio)
 {
     return insert("INSERT INTO Examenes (examen, cod_tipo_examen, precio, valor) "
                   "VALUES (?, 1, ?, ?)", {examen, precio, precio / 2});
 }
 
-struct Invoice {
-    int factura;
-    QDate fecha;
-    int paciente;
-    double total;
-    bool anulada = false;
-    QVariant doctor = QVariant();   // none
-    double abono = 0;
-    bool pagadaDoc = false;
-};
-
-void addInvoice(const Invoice& f)
+// A cash invoice written by "admin"; no doctor unless given.
+void addInvoice(int factura, QDate fecha, int paciente, double total, bool anulada = false,
+                QVariant doctor = {}, double abono = 0, bool pagadaDoc = false)
 {
     insert("INSERT INTO Factura (factura, fecha, cod_paciente, faturado, sub_total, total, "
            "efectivo, Abono, anulada, Cod_doctor, pagada_doc, tipo_factura) "
            "VALUES (?, ?, ?, 'admin', ?, ?, ?, ?, ?, ?, ?, 'Contado')",
-           {f.factura, f.fecha, f.paciente, f.total, f.total, f.total, f.abono, f.anulada,
-            f.doctor, f.pagadaDoc});
-}
-
-void addLine(int factura, int exam, double subtotal)
-{
-    insert("INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad, subtotal) "
-           "VALUES (?, ?, 1, ?)", {factura, exam, subtotal});
+           {factura, fecha, paciente, total, total, total, abono, anulada, doctor, pagadaDoc});
 }
 
 // Every value of a column over the (filtered) rows, in order.
@@ -89,16 +72,24 @@ QStringList childColumn(Recordset& rs, const QString& child, const QString& name
     return out;
 }
 
+// The error of the given kind the call throws, if it throws one.
+template <typename E, typename Fn>
+std::optional<E> errorOf(Fn&& fn)
+{
+    try {
+        fn();
+    } catch (const E& e) {
+        return e;
+    }
+    return std::nullopt;
+}
+
 // The message of the AppError the call throws; empty when it throws none.
 template <typename Fn>
 QString appErrorOf(Fn&& fn)
 {
-    try {
-        fn();
-        return QString();
-    } catch (const AppError& e) {
-        return e.message();
-    }
+    const std::optional<AppError> e = errorOf<AppError>(fn);
+    return e ? e->message() : QString();
 }
 
 }  // namespace
@@ -107,14 +98,21 @@ class TestAmb1 : public QObject {
     Q_OBJECT
 
 private slots:
-    void catalogueHoldsTheNamedCommandsInOrder()
+    void catalogueInOrderAndEveryStoredSourceOpensOnAnEmptyStore()
     {
         test::TempStore store;
         QCOMPARE(kCatalogue.size(), 57);
         QStringList names;
         for (const CommandDef& d : amb1().catalogue()) {
             names << d.name;
-            QCOMPARE(amb1().rs(d.name).command(), &d);
+            Recordset& rs = amb1().rs(d.name);
+            QCOMPARE(rs.command(), &d);
+            const QString failed = appErrorOf([&] { rs.open(); });
+            if (d.kind == CommandKind::Slot)   // a slot has no text of its own
+                QVERIFY2(!failed.isEmpty() && rs.state() == 0, qPrintable(d.name));
+            else
+                QVERIFY2(failed.isEmpty() && rs.isOpen() && !rs.fieldNames().isEmpty(),
+                         qPrintable(d.name + ": " + failed));
         }
         QCOMPARE(names, kCatalogue);
 
@@ -126,44 +124,24 @@ private slots:
             {"rsrfact1", CommandKind::Shaped, LockType::ReadOnly},
             {"rsInsuProv_Grouping", CommandKind::Shaped, LockType::Optimistic},
         };
-        for (const auto& f : few) {
-            const CommandDef* d = amb1().rs(f.name).command();
-            QVERIFY2(d->kind == f.kind && d->lock == f.lock, f.name);
-        }
+        for (const auto& f : few)
+            QVERIFY2(amb1().rs(f.name).command()->kind == f.kind
+                         && amb1().rs(f.name).command()->lock == f.lock, f.name);
         // The name is found without regard to case; an unknown one is a clear error.
         QCOMPARE(&amb1().rs("RSFACTURA"), &amb1().rs("rsFactura"));
         QVERIFY(appErrorOf([] { amb1().rs("rsNoExiste"); }).contains(u"rsNoExiste"));
-    }
 
-    void everyStoredSourceOpensOnAnEmptyStore()
-    {
-        test::TempStore store;
-        for (const CommandDef& d : amb1().catalogue()) {
-            Recordset& rs = amb1().rs(d.name);
-            if (d.kind == CommandKind::Slot) {   // a slot has no text of its own
-                QVERIFY2(!appErrorOf([&] { rs.open(); }).isEmpty(), qPrintable(d.name));
-                QCOMPARE(rs.state(), 0);
-                continue;
-            }
-            try {
-                rs.open();
-            } catch (const DbError& e) {
-                QFAIL(qPrintable(d.name + ": " + e.detail() + " | " + e.sql()));
-            }
-            QVERIFY2(rs.isOpen() && !rs.fieldNames().isEmpty(), qPrintable(d.name));
-        }
         // Insurers with no open accounts still stand, with empty children.
         Recordset& cuentas = amb1().rs("rsrcuentas");
         QCOMPARE(cuentas.text("Empresa"), "Sin Seguro");
-        const Recordset none = cuentas.child("rcuentasdetalle");
-        QVERIFY(none.eof() && none.bof());
+        QVERIFY(cuentas.child("rcuentasdetalle").eof() && cuentas.child("rcuentasdetalle").bof());
     }
 
     void walkingIdiomAndBoundValues()
     {
         test::TempStore store;
         const int obrien = addPatient("Seán", "O'Brien");
-        addPatient("María", "López");
+        const int lopez = addPatient("María", "López");
         addPatient("Ana", "Zúniga");
 
         Recordset& rs = amb1().rs("rsPacientes");
@@ -193,49 +171,65 @@ private slots:
         rs.open("SELECT * FROM Pacientes WHERE cod_paciente = ?", {-5});
         QVERIFY(rs.recordCount() == 0 && rs.eof() && rs.bof());
 
+        // Filter on text with a quote inside, on columns aliased by the query.
+        rs.open("SELECT cod_paciente AS CODIGO, apellido_paciente AS APELLIDO FROM Pacientes");
+        rs.setFilter("APELLIDO like '*o''b*'");
+        QCOMPARE(column(rs, "CODIGO"), QStringList{QString::number(obrien)});
+        rs.setFilter(QStringLiteral("codigo = '%1'").arg(lopez));
+        QCOMPARE(column(rs, "APELLIDO"), QStringList{"López"});
+
         // A delete through open leaves the slot closed; execute tells the rows touched.
         rs.open("DELETE FROM Pacientes WHERE apellido_paciente = ?", {"O'Brien"});
         QCOMPARE(rs.state(), 0);
-        QCOMPARE(amb1().execute("UPDATE Pacientes SET correo = ? WHERE nombre_paciente <> ?",
-                                {"x@y.hn", "O'Brien"}),
-                 2);
+        QCOMPARE(amb1().execute("UPDATE Pacientes SET correo = ?", {"x@y.hn"}), 2);
 
         // A failing statement is a DbError with the driver's text and the SQL.
-        try {
-            rs.open("SELECT * FROM NoHayTabla WHERE x = ?", {1});
-            QFAIL("no error");
-        } catch (const DbError& e) {
-            QVERIFY(e.message().contains(u"base de datos"));
-            QVERIFY(e.detail().contains(u"NoHayTabla") && e.sql().contains(u"NoHayTabla"));
-        }
+        const auto e =
+            errorOf<DbError>([&] { rs.open("SELECT * FROM NoHayTabla WHERE x = ?", {1}); });
+        QVERIFY(e && e->message().contains(u"base de datos"));
+        QVERIFY(e->detail().contains(u"NoHayTabla") && e->sql().contains(u"NoHayTabla"));
     }
 
-    void filterReadsDatesNumbersAndYesNo()
+    // One set of real invoices, read through Filter and by the invoice print-out,
+    // the totals listing, the cash cut and the commissions.
+    void filterAndReportGroupsOnRealInvoices()
     {
         test::TempStore store;
-        const int p = addPatient("Ana", "Reyes");
-        addInvoice({1, QDate(2026, 10, 31), p, 100});
-        addInvoice({2, QDate(2026, 11, 1), p, 250.5, true});
-        addInvoice({3, QDate(2026, 11, 22), p, 80});
-        addInvoice({4, QDate(2026, 11, 30), p, 12.25});
-        addInvoice({5, QDate(2026, 12, 1), p, 40});
+        const int ana = addPatient("Ana", "O'Brien");
+        const int luis = addPatient("Luis", "Mejía");
+        const char* doctor =
+            "INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, porsentaje) VALUES (?, ?, ?)";
+        const int soto = insert(doctor, {"Carlos", "Soto", 10});
+        const int paz = insert(doctor, {"Elena", "Paz", 15});
+        addInvoice(1, QDate(2026, 11, 21), ana, 100.5, false, {}, 40);   // no doctor
+        addInvoice(2, QDate(2026, 11, 22), luis, 200, false, soto);
+        addInvoice(3, QDate(2026, 11, 22), ana, 300, true, soto);       // voided
+        addInvoice(4, QDate(2026, 11, 22), ana, 50, false, soto);
+        addInvoice(5, QDate(2026, 11, 22), ana, 80, false, paz);
+        addInvoice(6, QDate(2026, 11, 23), luis, 150, false, soto, 0, true);   // doctor paid
+        addInvoice(7, QDate(2026, 12, 1), luis, 12.25);
+        const int hemo = addExam("Hemograma", 150);
+        const int orina = addExam("Examen General de Orina", 60);
+        const char* line = "INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad, "
+                           "subtotal) VALUES (?, ?, 1, ?)";
+        insert(line, {1, hemo, 150});
+        insert(line, {1, orina, 60});
+        insert(line, {2, orina, 60});
+        insert(line, {1, addExam("Glucosa", 45.5), 45.5});
 
         Recordset rs;
         rs.open("SELECT factura, fecha, total, anulada, faturado FROM Factura ORDER BY factura");
         const QList<QPair<QString, QStringList>> cases = {
-            {"fecha = 22/11/2026", {"3"}},
-            {"fecha >= '01/11/2026' and fecha <= '30/11/2026'", {"2", "3", "4"}},
-            {"fecha > #1/11/2026# AND fecha < 1/12/2026", {"3", "4"}},
-            {"fecha >= '1/11/26' and fecha <= '30/11/26'", {"2", "3", "4"}},
-            {"anulada =0 and fecha = 22/11/2026", {"3"}},
-            {"anulada = true", {"2"}},
-            {"anulada = -1", {"2"}},
-            {"anulada = False AND total > 50", {"1", "3"}},
-            {"total = 250.50", {"2"}},
-            {"(factura = 1 or factura = 5) and total < 50", {"5"}},
-            {"factura <> 3 and factura<3", {"1", "2"}},
-            {"faturado LIKE 'ad*' and factura >= 5", {"5"}},
-            {"faturado like '%MIN'", {"1", "2", "3", "4", "5"}},
+            {"anulada =0 and fecha = 22/11/2026", {"2", "4", "5"}},
+            {"fecha >= '01/11/2026' and fecha <= '30/11/2026'", {"1", "2", "3", "4", "5", "6"}},
+            {"fecha > #21/11/2026# AND fecha < 1/12/2026", {"2", "3", "4", "5", "6"}},
+            {"fecha >= '23/11/26' and fecha <= '1/12/26'", {"6", "7"}},
+            {"anulada = true", {"3"}},
+            {"anulada = -1", {"3"}},
+            {"anulada = False AND total > 100", {"1", "2", "6"}},
+            {"total = 100.50", {"1"}},
+            {"(factura = 1 or factura = 7) and total<50 and factura <> 1", {"7"}},
+            {"faturado LIKE 'ad*' and faturado like '%MIN' and factura >= 7", {"7"}},
             {"faturado like 'min*'", {}},
             {"Factura.factura = 4", {"4"}},
         };
@@ -247,7 +241,7 @@ private slots:
             QCOMPARE(rs.eof(), facturas.isEmpty());
         }
         rs.setFilter(QString());
-        QCOMPARE(rs.recordCount(), 5);
+        QCOMPARE(rs.recordCount(), 7);
 
         // A filter that can't be read is refused with the reason; the earlier one stands.
         rs.setFilter("factura = 1");
@@ -263,96 +257,51 @@ private slots:
         for (const auto& [text, why] : bad) {
             const QString msg = appErrorOf([&] { rs.setFilter(text); });
             const QString start = QStringLiteral("El filtro «%1» no se puede aplicar").arg(text);
-            QVERIFY2(msg.startsWith(start) && msg.contains(why),
-                     qPrintable(msg));
+            QVERIFY2(msg.startsWith(start) && msg.contains(why), qPrintable(msg));
             QVERIFY(rs.filter() == "factura = 1" && rs.recordCount() == 1);
         }
         Recordset closed;
         QVERIFY(!appErrorOf([&] { closed.setFilter("factura = 1"); }).isEmpty());
 
-        // Text with a quote inside, on columns aliased by the query.
-        const int q = addPatient("Seán", "O'Brien");
-        Recordset pac;
-        pac.open("SELECT cod_paciente AS CODIGO, nombre_paciente AS NOMBRE, "
-                 "apellido_paciente AS APELLIDO FROM Pacientes");
-        pac.setFilter("APELLIDO like '*o''b*'");
-        QCOMPARE(column(pac, "CODIGO"), QStringList{QString::number(q)});
-        pac.setFilter(QStringLiteral("codigo = '%1'").arg(p));
-        QCOMPARE(column(pac, "NOMBRE"), QStringList{"Ana"});
-    }
-
-    void invoiceWithItsLinesAndNestedTotals()
-    {
-        test::TempStore store;
-        const int ana = addPatient("Ana", "O'Brien");
-        const int luis = addPatient("Luis", "Mejía");
-        const int hemo = addExam("Hemograma", 150);
-        const int orina = addExam("Examen General de Orina", 60);
-        const int gluc = addExam("Glucosa", 45.5);
-        addInvoice({101, QDate(2026, 11, 22), ana, 255.5, false, QVariant(), 100});
-        addInvoice({102, QDate(2026, 11, 22), luis, 60});
-        addLine(101, hemo, 150);
-        addLine(101, orina, 60);
-        addLine(102, orina, 60);
-        addLine(101, gluc, 45.5);
-
-        Recordset& rs = amb1().rs("rsrfact1");
-        rs.open();
-        QCOMPARE(rs.recordCount(), 2);
-        rs.setFilter("factura = 101");
-        QCOMPARE(rs.recordCount(), 1);
-        QCOMPARE(rs.text("nombre"), "Ana O'Brien");
-        QCOMPARE(rs.field("deuda").toDouble(), 155.5);
-        Recordset lines = rs.child("Command1");
+        // The invoice print-out: the header filtered by factura, with its lines.
+        Recordset& fact = amb1().rs("rsrfact1");
+        fact.open();
+        QCOMPARE(fact.recordCount(), 7);
+        fact.setFilter("factura = 1");
+        QCOMPARE(fact.recordCount(), 1);
+        QCOMPARE(fact.text("nombre"), "Ana O'Brien");
+        QCOMPARE(fact.field("deuda").toDouble(), 60.5);
+        Recordset lines = fact.child("Command1");
         QCOMPARE(column(lines, "examen"),
                  (QStringList{"Hemograma", "Examen General de Orina", "Glucosa"}));
         // A filter on the lines handed out leaves the invoice's own lines alone.
         lines.setFilter("subtotal > 100");
         QCOMPARE(lines.recordCount(), 1);
-        QCOMPARE(rs.child("Command1").recordCount(), 3);
-        rs.setFilter("factura=102");
-        QCOMPARE(column(rs.child("command1"), "examen"), QStringList{"Examen General de Orina"});
+        QCOMPARE(fact.child("Command1").recordCount(), 3);
+        fact.setFilter("factura=2");
+        QCOMPARE(column(fact.child("command1"), "examen"), QStringList{"Examen General de Orina"});
         // No current row, no children.
-        rs.setFilter("factura = 999");
-        QVERIFY(appErrorOf([&] { rs.child("Command1"); }).startsWith(u"No hay un registro"));
+        fact.setFilter("factura = 999");
+        QVERIFY(appErrorOf([&] { fact.child("Command1"); }).startsWith(u"No hay un registro"));
 
         // The totals listing: totals, the invoices of each total, their lines.
         Recordset& c2 = amb1().rs("rsCommand2");
         c2.open();
-        c2.setFilter("total = 255.5");
+        c2.setFilter("total = 100.5");
         QCOMPARE(c2.recordCount(), 1);
         const Recordset c3 = c2.child("Command3");
-        QCOMPARE(column(c3, "factura"), QStringList{"101"});
+        QCOMPARE(column(c3, "factura"), QStringList{"1"});
         QCOMPARE(c3.child("Command4").recordCount(), 3);
-    }
-
-    void cashCutAndCommissionsGroupRealInvoices()
-    {
-        test::TempStore store;
-        const int ana = addPatient("Ana", "Reyes");
-        const int luis = addPatient("Luis", "Mejía");
-        const char* doctor =
-            "INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, porsentaje) VALUES (?, ?, ?)";
-        const int soto = insert(doctor, {"Carlos", "Soto", 10});
-        const int paz = insert(doctor, {"Elena", "Paz", 15});
-        addInvoice({1, QDate(2026, 11, 21), ana, 100});                   // no doctor
-        addInvoice({2, QDate(2026, 11, 22), luis, 200, false, soto});
-        addInvoice({3, QDate(2026, 11, 22), ana, 300, true, soto});       // voided
-        addInvoice({4, QDate(2026, 11, 22), ana, 50, false, soto});
-        addInvoice({5, QDate(2026, 11, 22), ana, 80, false, paz});
-        addInvoice({6, QDate(2026, 11, 23), luis, 150, false, soto, 0, true});   // doctor paid
 
         // The cash cut: by day, then voided or not.
         Recordset& cut = amb1().rs("rsrcorte_Grouping");
         cut.open();
-        QCOMPARE(cut.fieldNames(), (QStringList{"fecha", "anulada"}));
-        QCOMPARE(cut.recordCount(), 4);
+        QCOMPARE(cut.recordCount(), 5);
         cut.setFilter("anulada =0 and fecha = 22/11/2026");
         QCOMPARE(cut.recordCount(), 1);
         const Recordset day = cut.child("rcorte");
         QCOMPARE(column(day, "factura"), (QStringList{"2", "4", "5"}));
-        QCOMPARE(column(day, "nombre"), (QStringList{"Luis Mejía", "Ana Reyes", "Ana Reyes"}));
-        QCOMPARE(column(day, "efectivo"), (QStringList{"200", "50", "80"}));
+        QCOMPARE(column(day, "nombre"), (QStringList{"Luis Mejía", "Ana O'Brien", "Ana O'Brien"}));
         cut.setFilter("anulada =0 and fecha >= '21/11/2026' and fecha <= '22/11/2026'");
         QCOMPARE(childColumn(cut, "rcorte", "factura"), (QStringList{"1", "2", "4", "5"}));
         cut.setFilter("anulada = true");
@@ -361,7 +310,6 @@ private slots:
         // Commissions: by doctor, day and paid or not; none without a doctor or when voided.
         Recordset& com = amb1().rs("rscomision_Grouping");
         com.open();
-        QCOMPARE(com.fieldNames(), (QStringList{"cod_doctor", "fecha", "nombre", "pagada_doc"}));
         QCOMPARE(com.recordCount(), 3);
         QStringList every = childColumn(com, "comision", "factura");
         every.sort();
@@ -410,15 +358,13 @@ private slots:
             t.commit();
         }));
         QVERIFY(prompts.lastMessage().startsWith(u"No se pudo guardar el tipo de examen."));
-        QCOMPARE(count(), 1);
-        QVERIFY(!amb1().inTransaction());
+        QVERIFY(count() == 1 && !amb1().inTransaction());
 
         // The error boundary's roll-back of a save left open.
         amb1().begin();
         add("Serologia");
         rollbackOpenTransaction();
-        QVERIFY(!amb1().inTransaction());
-        QCOMPARE(count(), 1);
+        QVERIFY(count() == 1 && !amb1().inTransaction());
         QVERIFY(!appErrorOf([] { amb1().commit(); }).isEmpty());
     }
 
@@ -434,15 +380,10 @@ private slots:
             file.write(QByteArray(4096, 'z'));
         }
         for (const QString& path : {blocker + "/datos/lab.db", junk}) {
-            try {
-                amb1().openStore(path);
-                QFAIL("opened");
-            } catch (const DbError& e) {
-                QVERIFY2(e.message().startsWith(u"No se pudo abrir la base de datos"),
-                         qPrintable(e.message()));
-            }
-            QVERIFY(!amb1().isOpen());
-            QVERIFY(!QSqlDatabase::contains("Connection1"));
+            const auto e = errorOf<DbError>([&] { amb1().openStore(path); });
+            QVERIFY2(e && e->message().startsWith(u"No se pudo abrir la base de datos"),
+                     qPrintable(path));
+            QVERIFY(!amb1().isOpen() && !QSqlDatabase::contains("Connection1"));
             QVERIFY(!appErrorOf([] { amb1().scalar("SELECT 1"); }).isEmpty());
         }
 
