@@ -25,25 +25,12 @@ public:
     // Runs one statement with bound values; returns the key the store gave.
     QVariant run(const QString& sql, const QVariantList& binds = {})
     {
-        QSqlQuery q(m_db);
-        if (!q.prepare(sql))
-            throw DbError(kFailure, q.lastError().text(), sql);
-        for (int i = 0; i < binds.size(); ++i)
-            q.bindValue(i, binds.at(i));
-        if (!q.exec())
-            throw DbError(kFailure, q.lastError().text(), sql);
-        return q.lastInsertId();
+        return schema::run(m_db, sql, binds, kFailure).lastInsertId();
     }
 
     QVariant scalar(const QString& sql, const QVariantList& binds = {})
     {
-        QSqlQuery q(m_db);
-        if (!q.prepare(sql))
-            throw DbError(kFailure, q.lastError().text(), sql);
-        for (int i = 0; i < binds.size(); ++i)
-            q.bindValue(i, binds.at(i));
-        if (!q.exec())
-            throw DbError(kFailure, q.lastError().text(), sql);
+        QSqlQuery q = schema::run(m_db, sql, binds, kFailure);
         return q.next() ? q.value(0) : QVariant();
     }
 

@@ -354,18 +354,6 @@ QString createIndexSql(const Index& ix)
     return sql;
 }
 
-void exec(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
-          const QString& failure)
-{
-    QSqlQuery q(db);
-    if (!q.prepare(sql))
-        throw DbError(failure, q.lastError().text(), sql);
-    for (int i = 0; i < binds.size(); ++i)
-        q.bindValue(i, binds.at(i));
-    if (!q.exec())
-        throw DbError(failure, q.lastError().text(), sql);
-}
-
 QVariant insertedKey(const QSqlDatabase& db, const QString& table, const QString& column,
                      const QVariant& fromDriver)
 {
@@ -380,6 +368,19 @@ QVariant insertedKey(const QSqlDatabase& db, const QString& table, const QString
 }
 
 }  // namespace
+
+QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
+              const QString& failure)
+{
+    QSqlQuery q(db);
+    if (!q.prepare(sql))
+        throw DbError(failure, q.lastError().text(), sql);
+    for (int i = 0; i < binds.size(); ++i)
+        q.bindValue(i, binds.at(i));
+    if (!q.exec())
+        throw DbError(failure, q.lastError().text(), sql);
+    return q;
+}
 
 void inTransaction(const QSqlDatabase& conn, const QString& failure,
                    const std::function<void()>& work)
@@ -439,11 +440,11 @@ void create(const QSqlDatabase& db)
 {
     inTransaction(db, QStringLiteral("No se pudo crear la base de datos del laboratorio."), [&] {
         for (const Table& t : tables())
-            exec(db, createTableSql(t, db), {},
+            run(db, createTableSql(t, db), {},
                  QStringLiteral("No se pudo crear la tabla %1 de la base de datos.")
                      .arg(QLatin1String(t.name)));
         for (const Index& ix : indexes())
-            exec(db, createIndexSql(ix), {},
+            run(db, createIndexSql(ix), {},
                  QStringLiteral("No se pudo crear un índice de la tabla %1.")
                      .arg(QLatin1String(ix.table)));
     });
@@ -455,13 +456,13 @@ void seedFirstStart(const QSqlDatabase& db)
         QStringLiteral("No se pudieron escribir los datos iniciales de la base de datos.");
     inTransaction(db, failure, [&] {
         // Every patient has an insurer row; 0 stands for none.
-        exec(db, QStringLiteral("INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, "
+        run(db, QStringLiteral("INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, "
                                 "Cuenta) VALUES (?, ?, ?, ?, ?, ?)"),
              {0, QStringLiteral("Sin Seguro"), QString(), QString(), QString(), QString()},
              failure);
 
         // The laboratory's own data: sign-on shows the name, reports print it.
-        exec(db, QStringLiteral("INSERT INTO datos (nombre_lab, eslogan_lab, rtn_lab, "
+        run(db, QStringLiteral("INSERT INTO datos (nombre_lab, eslogan_lab, rtn_lab, "
                                 "direccion_lab, telefono_lab, fax_lab, correo_lab, ticketera, "
                                 "pidecontrasena, terceraedadauto) "
                                 "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
@@ -473,9 +474,9 @@ void seedFirstStart(const QSqlDatabase& db)
         // start at zero: each is the laboratory's own decision, and a made-up
         // rate would silently change totals and the card sales report until
         // someone noticed. They are set on their settings screens.
-        exec(db, QStringLiteral("INSERT INTO IST (IST) VALUES (?)"), {0}, failure);
-        exec(db, QStringLiteral("INSERT INTO DTE (DTE) VALUES (?)"), {0}, failure);
-        exec(db, QStringLiteral("INSERT INTO tarjeta (tarjeta) VALUES (?)"), {0}, failure);
+        run(db, QStringLiteral("INSERT INTO IST (IST) VALUES (?)"), {0}, failure);
+        run(db, QStringLiteral("INSERT INTO DTE (DTE) VALUES (?)"), {0}, failure);
+        run(db, QStringLiteral("INSERT INTO tarjeta (tarjeta) VALUES (?)"), {0}, failure);
 
         // The result templates; their codes are fixed by the fill-in screens.
         const QStringList templates = {
@@ -484,7 +485,7 @@ void seedFirstStart(const QSqlDatabase& db)
             QStringLiteral("Parasitologia"),     QStringLiteral("Formato en Blanco 2"),
         };
         for (int i = 0; i < templates.size(); ++i)
-            exec(db, QStringLiteral("INSERT INTO Plantilla (Cod_Plantilla, Plantilla) VALUES (?, ?)"),
+            run(db, QStringLiteral("INSERT INTO Plantilla (Cod_Plantilla, Plantilla) VALUES (?, ?)"),
                  {i + 1, templates.at(i)}, failure);
 
         // The six menus of stored texts of the blank result sheet.
@@ -494,7 +495,7 @@ void seedFirstStart(const QSqlDatabase& db)
             QStringLiteral("Hematologia"),   QStringLiteral("Varios"),
         };
         for (int i = 0; i < menus.size(); ++i)
-            exec(db, QStringLiteral("INSERT INTO formatoblanco (codigo_formatoblanco, encabezado) "
+            run(db, QStringLiteral("INSERT INTO formatoblanco (codigo_formatoblanco, encabezado) "
                                     "VALUES (?, ?)"),
                  {i + 1, menus.at(i)}, failure);
 
@@ -503,21 +504,17 @@ void seedFirstStart(const QSqlDatabase& db)
             "INSERT INTO Empleados (nombre_empleado, apellido_empleado, direccion_empleado, "
             "tel_empleado, cel_empleado, fecha_nacimiento, rol, usuario, Password) "
             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
-        QSqlQuery q(db);
-        if (!q.prepare(insertAdmin))
-            throw DbError(failure, q.lastError().text(), insertAdmin);
-        const QVariantList admin = {QStringLiteral("Administrador"), QStringLiteral("del Sistema"),
-                                    QString(), QString(), QString(), QDate::currentDate(), 1,
-                                    QStringLiteral("admin"), QStringLiteral("admin")};
-        for (int i = 0; i < admin.size(); ++i)
-            q.bindValue(i, admin.at(i));
-        if (!q.exec())
-            throw DbError(failure, q.lastError().text(), insertAdmin);
+        const QSqlQuery q =
+            run(db, insertAdmin,
+                {QStringLiteral("Administrador"), QStringLiteral("del Sistema"), QString(),
+                 QString(), QString(), QDate::currentDate(), 1, QStringLiteral("admin"),
+                 QStringLiteral("admin")},
+                failure);
         const QVariant code =
             insertedKey(db, QStringLiteral("Empleados"), QStringLiteral("cod_empleado"),
                         q.lastInsertId());
         for (int modulo = 1; modulo <= 3; ++modulo)
-            exec(db, QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
+            run(db, QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
                                     "VALUES (?, ?)"),
                  {code, modulo}, failure);
     });

@@ -2,6 +2,8 @@
 // The store's tables, columns and indexes in one place, and the rows the
 // program assumes on first start.
 #include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariantList>
 #include <QStringList>
 #include <functional>
 
@@ -21,6 +23,11 @@ void create(const QSqlDatabase& db);
 // the six free-format menus, and the administrator admin/admin with module
 // rights 1 to 3. Throws DbError.
 void seedFirstStart(const QSqlDatabase& db);
+
+// Runs one statement on the connection with the values bound and returns the
+// executed query (for its rows or the key it gave). Throws DbError(failure, ...).
+QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
+              const QString& failure);
 
 // Runs `work` in one transaction on the connection (or inside the caller's,
 // when one is already open); rolls back and rethrows on failure, and throws
