@@ -1,9 +1,9 @@
 # Set-up and build in one step on a fresh Debian machine.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
-PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev
+PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config
 
-.PHONY: all deps configure build run test clean
+.PHONY: all deps configure build run test bench clean
 
 all: build
 
@@ -26,6 +26,11 @@ run: build
 
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+# Times every path a user waits on against the same SQL run bare, on a large
+# store made once in $(BUILD)/bench/; fails when a path misses its target.
+bench: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ./bench/tarvenquil_bench
 
 clean:
 	rm -rf $(BUILD)

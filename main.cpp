@@ -1,9 +1,9 @@
 // Tarvenquil 4.0: the laboratory's program. Opens the store in the data
 // folder, then splash, sign-on and main window.
-#include "foundation/amb1.h"
-#include "foundation/datafolder.h"
-#include "foundation/demo.h"
-#include "foundation/errors.h"
+#include "foundation/data/amb1.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/data/demo.h"
+#include "foundation/ui/errors.h"
 #include "foundation/startup/Form7.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/startup/frmSplash.h"

@@ -1,9 +1,9 @@
 // Password change, the administrator prompts and the database backup.
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/base/values.h"
 #include "maintenance/backup.h"
 
 #include <QComboBox>

@@ -2,8 +2,8 @@
 // report groups on real invoices, transactions and a store that can't be opened.
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/errors.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/errors.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,19 +1,21 @@
 // The shared helpers every screen leans on: money text, Val, the checked
 // 16-bit conversion, calendar differences and ages, date forms, the screen
 // registry and the error boundary.
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/datafolder.h"
-#include "foundation/errors.h"
-#include "foundation/registry.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/registry.h"
+#include "foundation/base/values.h"
 #include "testsupport.h"
 
 #include <QDir>
+#include <limits>
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QtTest>
+#include <limits>
 
 using namespace tq;
 
@@ -32,7 +34,7 @@ private slots:
     void moneyFormat();
     void valReadsTheLeadingNumber_data();
     void valReadsTheLeadingNumber();
-    void int16IsCheckedNotWrapped();
+    void codesAreCheckedNotWrapped();
     void calendarDifferencesCountBoundaries();
     void ageKeepsTheClassicTruncation();
     void dateForms();
@@ -87,21 +89,31 @@ void TestHelpers::valReadsTheLeadingNumber()
     QCOMPARE(Val(text), value);
 }
 
-void TestHelpers::int16IsCheckedNotWrapped()
+void TestHelpers::codesAreCheckedNotWrapped()
 {
-    QCOMPARE(toInt16(32767.0), std::int16_t(32767));
-    QCOMPARE(toInt16(-32768.0), std::int16_t(-32768));
-    QCOMPARE(toInt16(QStringLiteral("125 Sin Seguro")), std::int16_t(125));
-    QCOMPARE(toInt16(QVariant()), std::int16_t(0));
-    QCOMPARE(toInt16(QVariant(QStringLiteral("77"))), std::int16_t(77));
-    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(32768.0));
-    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(-32769.0));
-    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(QVariant(40000)));
+    // Codes and numbers of records hold far past the old 16-bit limit.
+    QCOMPARE(toInt32(40000.0), 40000);
+    QCOMPARE(toInt32(QStringLiteral("2147483647")), 2147483647);
+    QCOMPARE(toInt32(-2147483648.0), std::int32_t(-2147483647 - 1));
+    QCOMPARE(toInt32(QStringLiteral("125 Sin Seguro")), 125);
+    QCOMPARE(toInt32(QVariant()), 0);
+    QCOMPARE(toInt32(QVariant(QStringLiteral("77"))), 77);
+    QCOMPARE(toInt32(2.5), 2);   // half to even, as the classic conversion rounded
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt32(2147483648.0));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt32(QStringLiteral("99999999999")));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt32(QStringLiteral("1e308")));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt32(std::numeric_limits<double>::infinity()));
     try {
-        toInt16(40000.0);
+        toInt32(99999999999.0);
+        QFAIL("no se rechazó un número de 11 cifras");
     } catch (const AppError& e) {
-        QVERIFY(e.message().contains(QStringLiteral("40000")));
+        QCOMPARE(e.message(), QStringLiteral("El número 99999999999 es demasiado grande: un "
+                                             "código o número de registro va de -2147483648 a "
+                                             "2147483647."));
     }
+    // Switches stay 16-bit, checked the same way.
+    QCOMPARE(toInt16(-32768.0), std::int16_t(-32768));
+    QVERIFY_THROWS_EXCEPTION(AppError, toInt16(QVariant(40000)));
     QVERIFY(isNumeric(QStringLiteral(" 0.03 ")));
     QVERIFY(isNumeric(QStringLiteral(".5")));
     QVERIFY(!isNumeric(QStringLiteral("3%")));
@@ -240,10 +252,10 @@ void TestHelpers::errorBoundaryRollsBackLogsAndKeepsRunning()
 
     // An overflow inside a button's action is reported and the program goes on.
     QPushButton b;
-    onClick(&b, QStringLiteral("leer el código"), [] { toInt16(99999.0); });
+    onClick(&b, QStringLiteral("leer el código"), [] { toInt32(99999999999.0); });
     b.click();
     QCOMPARE(sp.messages().size(), 2);
-    QVERIFY(sp.lastMessage().contains(QStringLiteral("99999")));
+    QVERIFY(sp.lastMessage().contains(QStringLiteral("99999999999")));
     // Apostrophes go in bound and come back intact.
     amb1().execute(QStringLiteral("INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, "
                                   "porsentaje) VALUES (?, ?, ?)"),

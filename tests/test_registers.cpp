@@ -2,9 +2,9 @@
 // (Fdoctores), driven by their controls on a fresh store.
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/datagrid.h"
-#include "foundation/register_screen.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/register_screen.h"
 
 #include <QComboBox>
 #include <QLineEdit>

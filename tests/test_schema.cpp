@@ -3,10 +3,10 @@
 // connection of its own, not on amb1.
 #include "testsupport.h"
 
-#include "foundation/demo.h"
-#include "foundation/errors.h"
-#include "foundation/schema.h"
-#include "foundation/values.h"
+#include "foundation/data/demo.h"
+#include "foundation/ui/errors.h"
+#include "foundation/data/schema.h"
+#include "foundation/base/values.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>

@@ -2,9 +2,9 @@
 // the older card-percentage routine.
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/datafolder.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/data/datafolder.h"
 #include "foundation/settings/cardpercentage.h"
 
 #include <QFile>

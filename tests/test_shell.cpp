@@ -2,15 +2,15 @@
 // start panel and the pause.
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/registry.h"
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/MDIForm1.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/startup/frmSplash.h"
 #include "foundation/startup/semaforo.h"
-#include "foundation/values.h"
+#include "foundation/base/values.h"
 
 #include <QAction>
 #include <QApplication>

@@ -2,7 +2,7 @@
 // far (the shell's own tests use stand-ins).
 #include "testsupport.h"
 
-#include "foundation/appstate.h"
+#include "foundation/base/appstate.h"
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/MDIForm1.h"
 #include "foundation/startup/accesos.h"

@@ -1,6 +1,6 @@
 #include "maintenance/backup.h"
 
-#include "foundation/amb1.h"
+#include "foundation/data/amb1.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,13 +2,13 @@
 
 #include "ui_frmBackup.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/datafolder.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
+#include "foundation/base/values.h"
 
 #include <QDate>
 #include <QDateTime>

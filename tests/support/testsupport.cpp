@@ -1,9 +1,9 @@
 #include "testsupport.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/datafolder.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/registry.h"
 
 #include <QApplication>
 #include <QDir>

@@ -2,7 +2,7 @@
 // Test support: a temporary store, a scripted prompt service that records
 // every prompt and answers from a script, and helpers to find controls by
 // name, type keys and click.
-#include "foundation/prompt.h"
+#include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
 #include <QList>

@@ -2,11 +2,11 @@
 
 #include "ui_FDatos.h"
 
-#include "foundation/amb1.h"
-#include "foundation/datafolder.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,11 +2,11 @@
 
 #include "ui_RateScreen.h"
 
-#include "foundation/amb1.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
+#include "foundation/base/values.h"
 
 using namespace tq;
 

@@ -1,10 +1,10 @@
 #include "foundation/settings/cardpercentage.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/base/values.h"
 
 #include <QStringList>
 

@@ -2,10 +2,10 @@
 
 #include "ui_Form4.h"
 
-#include "foundation/appstate.h"
-#include "foundation/prompt.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/prompt.h"
 #include "foundation/startup/pictures.h"
-#include "foundation/values.h"
+#include "foundation/base/values.h"
 
 #include <QMouseEvent>
 #include <QTime>

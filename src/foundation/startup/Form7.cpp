@@ -2,11 +2,11 @@
 
 #include "ui_Form7.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
 #include "foundation/startup/accesos.h"
 
 #include <QCloseEvent>

@@ -2,15 +2,15 @@
 
 #include "ui_MDIForm1.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/accesos.h"
-#include "foundation/values.h"
-#include "foundation/widgets.h"
+#include "foundation/base/values.h"
+#include "foundation/ui/widgets.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,11 +1,11 @@
 #include "foundation/startup/accesos.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/datafolder.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/data/datafolder.h"
 #include "foundation/startup/Form7.h"
 #include "foundation/startup/MDIForm1.h"
-#include "foundation/values.h"
+#include "foundation/base/values.h"
 
 #include <QDir>
 

@@ -2,7 +2,7 @@
 // Sign-on of the laboratory's staff: the checks behind "Ingresar" of Form7
 // and the routine that lets a user in, plus the few steps of the program's
 // life that several screens share (the sign-on screen, the end).
-#include "foundation/prompt.h"
+#include "foundation/ui/prompt.h"
 
 #include <QString>
 

@@ -2,8 +2,8 @@
 
 #include "ui_frmSplash.h"
 
-#include "foundation/datafolder.h"
-#include "foundation/registry.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/registry.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/startup/pictures.h"
 

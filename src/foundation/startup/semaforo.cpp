@@ -2,8 +2,8 @@
 
 #include "ui_semaforo.h"
 
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
 #include "foundation/startup/pictures.h"
 
 #include <QTimer>

@@ -2,12 +2,12 @@
 
 #include "ui_AdminPrompt.h"
 
-#include "foundation/amb1.h"
-#include "foundation/appstate.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
-#include "foundation/widgets.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/appstate.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
+#include "foundation/ui/widgets.h"
 
 #include <QEvent>
 #include <QKeyEvent>

@@ -2,10 +2,10 @@
 
 #include "ui_FcambioContrasena.h"
 
-#include "foundation/amb1.h"
-#include "foundation/errors.h"
-#include "foundation/prompt.h"
-#include "foundation/registry.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/registry.h"
 
 #include <QVariantList>
 

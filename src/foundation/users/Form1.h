@@ -1,7 +1,7 @@
 #pragma once
 // "Control de Empleados": the employees, who are at once the users of the
 // system, with their role and their sign-on name.
-#include "foundation/register_screen.h"
+#include "foundation/ui/register_screen.h"
 
 #include <memory>
 

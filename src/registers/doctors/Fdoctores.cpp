@@ -2,11 +2,11 @@
 
 #include "ui_Fdoctores.h"
 
-#include "foundation/amb1.h"
-#include "foundation/datagrid.h"
-#include "foundation/errors.h"
-#include "foundation/registry.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/errors.h"
+#include "foundation/ui/registry.h"
+#include "foundation/base/values.h"
 
 TQ_REGISTER_SCREEN(Fdoctores)
 

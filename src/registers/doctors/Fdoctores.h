@@ -1,7 +1,7 @@
 #pragma once
 // "Ingreso de Remitentes": the doctors who refer patients, with the
 // commission percentage that the commission payments read.
-#include "foundation/register_screen.h"
+#include "foundation/ui/register_screen.h"
 
 #include <memory>
 

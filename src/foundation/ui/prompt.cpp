@@ -1,4 +1,4 @@
-#include "foundation/prompt.h"
+#include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
 #include <QApplication>

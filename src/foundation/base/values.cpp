@@ -1,6 +1,6 @@
-#include "foundation/values.h"
+#include "foundation/base/values.h"
 
-#include "foundation/errors.h"
+#include "foundation/base/apperror.h"
 
 #include <QRegularExpression>
 #include <cmath>
@@ -56,29 +56,56 @@ bool isNumeric(const QString& text)
     return re.match(text).hasMatch();
 }
 
-std::int16_t toInt16(double value)
+namespace {
+
+// Rounds as the classic conversion did (half to even) and refuses what the
+// target can't hold. `what` names the range in the message.
+double checkedWhole(double value, double low, double high, const QString& range)
 {
     if (!std::isfinite(value))
-        throw AppError(QStringLiteral("El código no es un número válido."));
-    // Classic conversion rounds half to even before the range check.
+        throw AppError(QStringLiteral("El valor no es un número válido."));
     const double r = std::nearbyint(value);
-    if (r < -32768.0 || r > 32767.0)
-        throw AppError(QStringLiteral("Desbordamiento: el valor %1 no cabe en un código "
-                                      "(de -32768 a 32767).")
-                           .arg(QString::number(value, 'f', value == r ? 0 : 2)));
-    return static_cast<std::int16_t>(r);
+    if (r < low || r > high)
+        throw AppError(QStringLiteral("El número %1 es demasiado grande: %2.")
+                           .arg(QString::number(value, 'f', value == r ? 0 : 2), range));
+    return r;
+}
+
+double numberOf(const QVariant& value)
+{
+    bool ok = false;
+    const double d = value.toDouble(&ok);
+    return ok ? d : Val(value.toString());
+}
+
+}  // namespace
+
+std::int16_t toInt16(double value)
+{
+    return static_cast<std::int16_t>(checkedWhole(
+        value, -32768.0, 32767.0, QStringLiteral("este valor va de -32768 a 32767")));
 }
 
 std::int16_t toInt16(const QVariant& value)
 {
-    if (value.isNull())
-        return 0;
-    bool ok = false;
-    const double d = value.toDouble(&ok);
-    return toInt16(ok ? d : Val(value.toString()));
+    return value.isNull() ? std::int16_t(0) : toInt16(numberOf(value));
 }
 
 std::int16_t toInt16(const QString& text) { return toInt16(Val(text)); }
+
+std::int32_t toInt32(double value)
+{
+    return static_cast<std::int32_t>(checkedWhole(
+        value, -2147483648.0, 2147483647.0,
+        QStringLiteral("un código o número de registro va de -2147483648 a 2147483647")));
+}
+
+std::int32_t toInt32(const QVariant& value)
+{
+    return value.isNull() ? 0 : toInt32(numberOf(value));
+}
+
+std::int32_t toInt32(const QString& text) { return toInt32(Val(text)); }
 
 int monthsBetween(const QDate& from, const QDate& to)
 {

@@ -1,7 +1,7 @@
 #pragma once
 // The named commands of amb1, in the order the data environment has always
 // listed them. Private to the data environment.
-#include "foundation/amb1.h"
+#include "foundation/data/amb1.h"
 
 namespace tq::detail {
 

@@ -1,8 +1,8 @@
-#include "foundation/errors.h"
+#include "foundation/ui/errors.h"
 
-#include "foundation/amb1.h"
-#include "foundation/datafolder.h"
-#include "foundation/prompt.h"
+#include "foundation/data/amb1.h"
+#include "foundation/data/datafolder.h"
+#include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
 #include <QDateTime>
@@ -11,16 +11,6 @@
 #include <QTextStream>
 
 namespace tq {
-
-AppError::AppError(const QString& message)
-    : std::runtime_error(message.toStdString()), m_message(message)
-{
-}
-
-DbError::DbError(const QString& message, const QString& detail, const QString& sql)
-    : AppError(message), m_detail(detail), m_sql(sql)
-{
-}
 
 void logLine(const QString& line)
 {

@@ -4,7 +4,7 @@
 // not reused inside the same select, and fixed dates are plain ISO text.
 // Hierarchical sources are Shape structures with the same aliases and the
 // same RELATE / COMPUTE BY columns.
-#include "foundation/catalogue_p.h"
+#include "foundation/data/catalogue_p.h"
 
 namespace tq::detail {
 

@@ -1,6 +1,6 @@
-#include "foundation/registry.h"
+#include "foundation/ui/registry.h"
 
-#include "foundation/prompt.h"
+#include "foundation/ui/prompt.h"
 
 #include <QMap>
 #include <QWidget>

@@ -24,6 +24,10 @@ void create(const QSqlDatabase& db);
 // rights 1 to 3. Throws DbError.
 void seedFirstStart(const QSqlDatabase& db);
 
+// Brings a store made by an earlier version up to this one, in one
+// transaction; a store already current is left untouched. Throws DbError.
+void upgrade(const QSqlDatabase& db);
+
 // Runs one statement on the connection with the values bound and returns the
 // executed query (for its rows or the key it gave). Throws DbError(failure, ...).
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,

@@ -19,8 +19,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "foundation/prompt.h"
-#include "foundation/widgets.h"
+#include "foundation/ui/prompt.h"
+#include "foundation/ui/widgets.h"
 
 class QAbstractButton;
 class QComboBox;
@@ -55,7 +55,7 @@ public:
     std::int16_t mode() const { return m_mode; }
     bool isEditing() const { return m_editing; }
     // Code of the row shown in the fields; meaningful when hasSelection().
-    std::int16_t selectedCode() const { return m_selectedCode; }
+    std::int32_t selectedCode() const { return m_selectedCode; }
     bool hasSelection() const { return m_hasSelection; }
 
 protected:
@@ -126,7 +126,7 @@ protected:
     void reloadGrid();
     // Shows a row of the list: sets the selected code from it and calls showRow.
     void chooseRow(int row);
-    void setSelectedCode(const QVariant& code);   // through the 16-bit conversion
+    void setSelectedCode(const QVariant& code);   // through the checked 32-bit conversion
     void clearSelection();
     void enterRest();
     void enterEdit(int mode);
@@ -151,7 +151,7 @@ private:
     QPointer<QWidget> m_grid;
     QString m_noun;
     std::int16_t m_mode = NoMode;
-    std::int16_t m_selectedCode = 0;
+    std::int32_t m_selectedCode = 0;
     bool m_hasSelection = false;
     bool m_editing = false;
 };

@@ -1,4 +1,4 @@
-#include "foundation/datafolder.h"
+#include "foundation/data/datafolder.h"
 
 #include <QCoreApplication>
 #include <QDir>

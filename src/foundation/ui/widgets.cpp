@@ -1,4 +1,4 @@
-#include "foundation/widgets.h"
+#include "foundation/ui/widgets.h"
 
 #include <QComboBox>
 #include <QGuiApplication>

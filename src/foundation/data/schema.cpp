@@ -1,6 +1,6 @@
-#include "foundation/schema.h"
+#include "foundation/data/schema.h"
 
-#include "foundation/errors.h"
+#include "foundation/base/apperror.h"
 
 #include <QDate>
 #include <QSqlError>
@@ -518,6 +518,11 @@ void seedFirstStart(const QSqlDatabase& db)
                                     "VALUES (?, ?)"),
                  {code, modulo}, failure);
     });
+}
+
+void upgrade(const QSqlDatabase& db)
+{
+    Q_UNUSED(db);
 }
 
 }  // namespace tq::schema

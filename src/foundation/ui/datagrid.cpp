@@ -1,7 +1,7 @@
-#include "foundation/datagrid.h"
+#include "foundation/ui/datagrid.h"
 
-#include "foundation/amb1.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/base/values.h"
 
 #include <QDateTime>
 #include <QHeaderView>

@@ -1,12 +1,12 @@
 // The data environment amb1: Connection1, the named recordsets, the
 // client-side snapshot every screen walks, its Filter, and the hierarchical
 // results (invoice with its lines, report groups) built from Shape texts.
-#include "foundation/amb1.h"
+#include "foundation/data/amb1.h"
 
-#include "foundation/catalogue_p.h"
-#include "foundation/errors.h"
-#include "foundation/schema.h"
-#include "foundation/values.h"
+#include "foundation/data/catalogue_p.h"
+#include "foundation/base/apperror.h"
+#include "foundation/data/schema.h"
+#include "foundation/base/values.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -1049,6 +1049,8 @@ void Amb1::openStore(const QString& path)
                               why);
             }
         }
+        // A store made by an earlier version is brought up to this one.
+        schema::upgrade(p->db);
     } catch (...) {
         closeStore();
         throw;

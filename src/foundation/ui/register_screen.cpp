@@ -1,9 +1,9 @@
-#include "foundation/register_screen.h"
+#include "foundation/ui/register_screen.h"
 
-#include "foundation/amb1.h"
-#include "foundation/datagrid.h"
-#include "foundation/errors.h"
-#include "foundation/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/errors.h"
+#include "foundation/base/values.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -153,7 +153,7 @@ void RegisterScreen::chooseRow(int row)
 
 void RegisterScreen::setSelectedCode(const QVariant& code)
 {
-    m_selectedCode = toInt16(code);
+    m_selectedCode = toInt32(code);
     m_hasSelection = true;
 }
 

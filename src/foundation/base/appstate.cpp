@@ -1,4 +1,4 @@
-#include "foundation/appstate.h"
+#include "foundation/base/appstate.h"
 
 namespace tq {
 

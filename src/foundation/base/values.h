@@ -1,6 +1,6 @@
 #pragma once
 // Value helpers shared by every screen: money text, the classic reading of
-// typed numbers, the checked 16-bit conversion, dates and ages.
+// typed numbers, the checked conversions of codes, dates and ages.
 #include <QDate>
 #include <QString>
 #include <QVariant>
@@ -24,11 +24,21 @@ double Val(const QString& text);
 // IsNumeric understood it for typed values ("12", "-3.5", ".5").
 bool isNumeric(const QString& text);
 
-// Codes held in 16-bit variables: a value outside -32768..32767 (or not a
-// whole number) is an error of the action, never a silent wrap. Throws AppError.
+// Codes and numbers of the laboratory's records (patients, exams, insurers,
+// doctors, employees, invoices, orders, purchases, format ids, sheet numbers)
+// are 32-bit whole numbers, read through this one checked conversion: the
+// value is rounded as the classic conversion did, and one that a 32-bit number
+// can't hold is an error of the action, never a silent wrap. Throws AppError.
+// A null value reads 0; a text is read through Val.
+std::int32_t toInt32(double value);
+std::int32_t toInt32(const QVariant& value);
+std::int32_t toInt32(const QString& text);
+
+// Small program-wide switches (screen number, picker selectors, roles, flags)
+// stay 16-bit, with the same checks. Throws AppError.
 std::int16_t toInt16(double value);
 std::int16_t toInt16(const QVariant& value);
-std::int16_t toInt16(const QString& text);   // through Val
+std::int16_t toInt16(const QString& text);
 
 // Calendar-boundary differences: the number of month (or year) boundaries
 // crossed going from `from` to `to`, regardless of the day of the month.

@@ -1,9 +1,9 @@
-#include "foundation/demo.h"
+#include "foundation/data/demo.h"
 
-#include "foundation/schema.h"
+#include "foundation/data/schema.h"
 
-#include "foundation/errors.h"
-#include "foundation/values.h"
+#include "foundation/base/apperror.h"
+#include "foundation/base/values.h"
 
 #include <QDate>
 #include <QHash>
