@@ -92,6 +92,55 @@ QString appErrorOf(Fn&& fn)
     return e ? e->message() : QString();
 }
 
+// Seven invoices over three days, one voided, with lines and doctors:
+// the data set of the filter and report tests.
+struct Invoices {
+    int ana, luis, soto, paz;
+};
+
+Invoices fillInvoices()
+{
+    const int ana = addPatient("Ana", "O'Brien");
+    const int luis = addPatient("Luis", "Mejía");
+    const char* doctor =
+        "INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, porsentaje) VALUES (?, ?, ?)";
+    const int soto = insert(doctor, {"Carlos", "Soto", 10});
+    const int paz = insert(doctor, {"Elena", "Paz", 15});
+    addInvoice(1, QDate(2026, 11, 21), ana, 100.5, false, {}, 40);   // no doctor
+    addInvoice(2, QDate(2026, 11, 22), luis, 200, false, soto);
+    addInvoice(3, QDate(2026, 11, 22), ana, 300, true, soto);       // voided
+    addInvoice(4, QDate(2026, 11, 22), ana, 50, false, soto);
+    addInvoice(5, QDate(2026, 11, 22), ana, 80, false, paz);
+    addInvoice(6, QDate(2026, 11, 23), luis, 150, false, soto, 0, true);   // doctor paid
+    addInvoice(7, QDate(2026, 12, 1), luis, 12.25);
+    const int hemo = addExam("Hemograma", 150);
+    const int orina = addExam("Examen General de Orina", 60);
+    const char* line = "INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad, "
+                       "subtotal) VALUES (?, ?, 1, ?)";
+    insert(line, {1, hemo, 150});
+    insert(line, {1, orina, 60});
+    insert(line, {2, orina, 60});
+    insert(line, {1, addExam("Glucosa", 45.5), 45.5});
+
+    return {ana, luis, soto, paz};
+}
+
+// Every row the recordset shows, every column, and the rows below each, as text.
+QStringList dump(Recordset rs, const QString& indent = {})
+{
+    QStringList out;
+    const QStringList names = rs.fieldNames();
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        QStringList cells;
+        for (const QString& n : names)
+            cells << n + QLatin1Char('=') + rs.field(n).toString();
+        out << indent + cells.join(QLatin1Char('|'));
+        for (const QString& c : rs.childNames())
+            out << dump(rs.child(c), indent + QStringLiteral("  ") + c + QLatin1Char(':'));
+    }
+    return out;
+}
+
 }  // namespace
 
 class TestAmb1 : public QObject {
@@ -195,28 +244,9 @@ private slots:
     void filterAndReportGroupsOnRealInvoices()
     {
         test::TempStore store;
-        const int ana = addPatient("Ana", "O'Brien");
-        const int luis = addPatient("Luis", "Mejía");
-        const char* doctor =
-            "INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, porsentaje) VALUES (?, ?, ?)";
-        const int soto = insert(doctor, {"Carlos", "Soto", 10});
-        const int paz = insert(doctor, {"Elena", "Paz", 15});
-        addInvoice(1, QDate(2026, 11, 21), ana, 100.5, false, {}, 40);   // no doctor
-        addInvoice(2, QDate(2026, 11, 22), luis, 200, false, soto);
-        addInvoice(3, QDate(2026, 11, 22), ana, 300, true, soto);       // voided
-        addInvoice(4, QDate(2026, 11, 22), ana, 50, false, soto);
-        addInvoice(5, QDate(2026, 11, 22), ana, 80, false, paz);
-        addInvoice(6, QDate(2026, 11, 23), luis, 150, false, soto, 0, true);   // doctor paid
-        addInvoice(7, QDate(2026, 12, 1), luis, 12.25);
-        const int hemo = addExam("Hemograma", 150);
-        const int orina = addExam("Examen General de Orina", 60);
-        const char* line = "INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad, "
-                           "subtotal) VALUES (?, ?, 1, ?)";
-        insert(line, {1, hemo, 150});
-        insert(line, {1, orina, 60});
-        insert(line, {2, orina, 60});
-        insert(line, {1, addExam("Glucosa", 45.5), 45.5});
-
+        const auto [ana, luis, soto, paz] = fillInvoices();
+        Q_UNUSED(ana);
+        Q_UNUSED(luis);
         Recordset rs;
         rs.open("SELECT factura, fecha, total, anulada, faturado FROM Factura ORDER BY factura");
         const QList<QPair<QString, QStringList>> cases = {
@@ -324,6 +354,86 @@ private slots:
         QCOMPARE(childColumn(com, "comision", "comi"), QStringList{"15"});
         com.setFilter(QStringLiteral("cod_doctor = %1").arg(paz));
         QCOMPARE(childColumn(com, "comision", "comi"), QStringList{"12"});
+    }
+
+    // A filter run in the store gives exactly the rows, groups and lines that
+    // the classic reading in memory gives, for every filter the screens and
+    // reports use and for the awkward ones: accents, nulls, times of day,
+    // computed columns, numbers near each other.
+    void filtersRunInTheStoreGiveTheClassicRows()
+    {
+        test::TempStore store;
+        const auto [ana, luis, soto, paz] = fillInvoices();
+        Q_UNUSED(ana);
+        Q_UNUSED(luis);
+        const int nunez = addPatient(QStringLiteral("ÁLVARO"), QStringLiteral("Núñez"));
+        const int nameless = insert("INSERT INTO Pacientes (nombre_paciente, Cod_seguro) "
+                                    "VALUES ('Pedro', 0)", {});
+        addInvoice(8, QDate(2026, 11, 22), nunez, 100.50000000001);
+        addInvoice(9, QDate(2026, 11, 20), nameless, 0);
+        // Saved with its time of day: still the 22nd.
+        amb1().execute("INSERT INTO Factura (factura, fecha, cod_paciente, total, anulada) "
+                       "VALUES (10, ?, ?, 75, FALSE)",
+                       {QDateTime(QDate(2026, 11, 22), QTime(9, 30)), nunez});
+
+        const QString doctorSoto = QString::number(soto);
+        const QList<QPair<QString, QStringList>> cases = {
+            {"rsrcorte_Grouping",
+             {"anulada =0 and fecha =22/11/2026", "anulada =0 and fecha = 23/11/2026",
+              "anulada =0 and fecha >= '21/11/2026' and fecha <= '22/11/2026'",
+              "anulada = true", "anulada = -1", "anulada <> 0", "fecha <> 22/11/2026",
+              "fecha > #21/11/2026# AND fecha < 1/12/2026", "fecha >= '23/11/26'"}},
+            {"rsrfact1",
+             {"factura = 1", "factura=2", "factura = 999", "factura = 8", "factura = 10",
+              "factura = 12345 and total > 100", "nombre like '*ñ*'", "nombre like '*o''b*'",
+              "nombre = 'Ana O''Brien'", "deuda > 50", "deuda = 60.5", "total = 100.5",
+              "total <= 100.5 and total >= 50", "apellido_paciente like 'm_j*'",
+              "apellido_paciente is null", "adicional = null", "adicional <> null",
+              "(factura = 1 or factura = 7) and total<50 and factura <> 1",
+              "fecha < '22/11/2026' or total >= 150", "nombre_paciente like 'álv*'"}},
+            {"rsCommand2", {"total = 100.5", "total > 100"}},
+            {"rscomision_Grouping",
+             {"pagada_doc = 0 and cod_doctor = " + doctorSoto
+                  + " and fecha >= '22/11/2026' and fecha <= '23/11/2026'",
+              "pagada_doc = 1 and cod_doctor = " + doctorSoto,
+              "cod_doctor = " + QString::number(paz)}},
+        };
+        auto rowsOf = [](const QString& source, const QString& filter, bool inStore) {
+            amb1().setFiltersInStore(inStore);
+            Recordset& rs = amb1().rs(source);
+            rs.open();
+            rs.setFilter(filter);
+            const QStringList rows = dump(rs);
+            amb1().setFiltersInStore(true);
+            return rows;
+        };
+        int compared = 0;
+        for (const auto& [source, filters] : cases) {
+            for (const QString& filter : filters) {
+                const QStringList classic = rowsOf(source, filter, false);
+                QVERIFY2(rowsOf(source, filter, true) == classic,
+                         qPrintable(source + ": " + filter));
+                compared += classic.size();
+            }
+        }
+        QVERIFY(compared > 100);   // the cases do find rows
+
+        // A slot opened with a screen's own text narrows in the store too, and
+        // clearing the filter brings every row back.
+        Recordset rs;
+        rs.open("SELECT factura, fecha, total, anulada, faturado FROM Factura ORDER BY factura");
+        rs.setFilter("fecha = 22/11/2026 and anulada = 0");
+        QCOMPARE(column(rs, "factura"), (QStringList{"2", "4", "5", "8", "10"}));
+        rs.setFilter(QString());
+        QCOMPARE(rs.recordCount(), 10);
+        // The rows are read again when the filter was run in the store; a
+        // copy taken before keeps its own.
+        rs.setFilter("factura = 4");
+        const Recordset kept = rs;
+        amb1().execute("UPDATE Factura SET total = 55 WHERE factura = 4");
+        rs.setFilter("factura >= 4 and factura <= 4");
+        QCOMPARE(rs.field("total").toDouble(), 55.0);
+        QCOMPARE(kept.field("total").toDouble(), 50.0);
     }
 
     void transactionsRollBackWhatFailed()

@@ -4,6 +4,7 @@
 #include "foundation/data/amb1.h"
 
 #include "foundation/data/catalogue_p.h"
+#include "foundation/data/filter_p.h"
 #include "foundation/base/apperror.h"
 #include "foundation/data/schema.h"
 #include "foundation/base/values.h"
@@ -12,7 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QRegularExpression>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
@@ -20,6 +21,7 @@
 #include <QVector>
 #include <algorithm>
 #include <cmath>
+#include <sqlite3.h>
 #include <vector>
 
 namespace tq {
@@ -27,33 +29,14 @@ namespace tq {
 namespace detail {
 
 // Rows read at open, shared by a recordset and its copies and children.
-struct Table {
-    QStringList columns;
-    QHash<QString, int> index;   // lower-case name -> column; the first of equal names wins
-    QVector<bool> yesNo;         // yes/no columns, read as truth by Filter
+struct Table : ColumnIndex {
+    QVector<bool> yesNo;   // yes/no columns, read as truth by Filter
     QVector<QVector<QVariant>> rows;
 
     void addColumn(const QString& name, bool isYesNo)
     {
-        const QString key = name.toLower();
-        if (!index.contains(key))
-            index.insert(key, columns.size());
-        columns << name;
+        add(name);
         yesNo << isYesNo;
-    }
-    int find(const QString& name) const
-    {
-        auto it = index.constFind(name.toLower());
-        if (it != index.constEnd())
-            return *it;
-        // "Factura.fecha" names the column fecha.
-        const int dot = name.lastIndexOf(QLatin1Char('.'));
-        if (dot >= 0) {
-            it = index.constFind(name.mid(dot + 1).toLower());
-            if (it != index.constEnd())
-                return *it;
-        }
-        return -1;
     }
 };
 
@@ -77,15 +60,30 @@ struct Node {
 
 }  // namespace detail
 
+using detail::ColumnIndex;
+using detail::ColumnKind;
+using detail::Filter;
 using detail::Link;
 using detail::Node;
+using detail::StoreCondition;
 using detail::Table;
+
+// Where a recordset's rows come from, so that they can be read again, and
+// narrowed by a filter in the store.
+struct Source {
+    QString sql;
+    QVariantList binds;
+    std::shared_ptr<const Shape> shape;   // a hierarchical result
+};
 
 struct Recordset::Data {
     std::shared_ptr<const Node> node;
     QVector<int> base;   // rows of the table this recordset holds (all, or a child's)
     QVector<int> view;   // those of `base` that pass the filter
     QString filter;
+    std::shared_ptr<const Source> source;   // top-level recordsets only
+    bool pending = false;    // opened; the rows are read when first needed
+    bool narrowed = false;   // the rows were read with the filter run in the store
 };
 
 namespace {
@@ -103,25 +101,60 @@ QSqlDatabase currentDb()
     return db;
 }
 
+// What the user reads when the store refuses or fails. The driver's own
+// text, in English, goes to the log with the statement, never to the screen.
+QString storeFailure(const QSqlError& e)
+{
+    bool ok = false;
+    const int code = e.nativeErrorCode().toInt(&ok) & 0xff;   // the store's main result code
+    if (ok) {
+        switch (code) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return QStringLiteral("La base de datos está ocupada por otra estación. Intente de "
+                                  "nuevo en un momento.");
+        case SQLITE_READONLY:
+            return QStringLiteral("La base de datos es de solo lectura: no se pueden guardar "
+                                  "cambios en ella.");
+        case SQLITE_IOERR:
+            return QStringLiteral("No se pudo leer o escribir el archivo de la base de datos.");
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return QStringLiteral("El archivo de la base de datos está dañado.");
+        case SQLITE_FULL:
+            return QStringLiteral("El disco está lleno: no se pudieron guardar los cambios.");
+        case SQLITE_CANTOPEN:
+            return QStringLiteral("No se pudo abrir el archivo de la base de datos.");
+        case SQLITE_CONSTRAINT:
+            return QStringLiteral("La base de datos rechazó los datos porque no cumplen sus "
+                                  "reglas.");
+        default:
+            break;
+        }
+    }
+    return QStringLiteral("La base de datos no aceptó la operación. El detalle quedó anotado en "
+                          "tarvenquil.log.");
+}
+
 // Prepares and runs a statement with its bound values.
 QSqlQuery run(const QString& sql, const QVariantList& binds, bool forwardOnly)
 {
     QSqlQuery q(currentDb());
     q.setForwardOnly(forwardOnly);
     if (!q.prepare(sql))
-        throw DbError(QStringLiteral("La base de datos rechazó la consulta: %1")
-                          .arg(q.lastError().text()),
-                      q.lastError().text(), sql);
+        throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
     for (const QVariant& v : binds)
         q.addBindValue(v);
     if (!q.exec())
-        throw DbError(QStringLiteral("Error de la base de datos: %1").arg(q.lastError().text()),
-                      q.lastError().text(), sql);
+        throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
     return q;
 }
 
 // Reads every row of a select. Null when the statement returns no rows.
-std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds)
+// `names`, when given, names the columns (a narrowed result renames
+// repeated names, the source's own names stand).
+std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds,
+                               const ColumnIndex* names = nullptr)
 {
     QSqlQuery q = run(sql, binds, true);
     if (!q.isSelect())
@@ -129,8 +162,10 @@ std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds)
     auto t = std::make_shared<Table>();
     const QSqlRecord rec = q.record();
     const int n = rec.count();
+    const bool renamed = names && names->columns.size() == n;
     for (int i = 0; i < n; ++i)
-        t->addColumn(rec.fieldName(i), rec.field(i).metaType().id() == QMetaType::Bool);
+        t->addColumn(renamed ? names->columns.at(i) : rec.fieldName(i),
+                     rec.field(i).metaType().id() == QMetaType::Bool);
     while (q.next()) {
         QVector<QVariant> row(n);
         for (int i = 0; i < n; ++i)
@@ -138,10 +173,138 @@ std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds)
         t->rows.append(std::move(row));
     }
     if (q.lastError().isValid())
-        throw DbError(QStringLiteral("Error de la base de datos: %1").arg(q.lastError().text()),
-                      q.lastError().text(), sql);
+        throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
     q.finish();
     return t;
+}
+
+// ---------------------------------------------------------------- narrowing in the store
+
+int placeholders(const QString& sql);
+
+bool g_filtersInStore = true;
+
+// The columns of a result and what each holds, by the statement's text.
+struct Described {
+    ColumnIndex columns;
+    QVector<ColumnKind> kinds;
+};
+
+QHash<QString, std::shared_ptr<const Described>>& describedCache()
+{
+    static QHash<QString, std::shared_ptr<const Described>> cache;
+    return cache;
+}
+
+ColumnKind kindOfValueType(int type)
+{
+    switch (type) {
+    case QMetaType::Bool:
+        return ColumnKind::YesNo;
+    case QMetaType::QDate:
+    case QMetaType::QDateTime:
+    case QMetaType::QTime:
+        return ColumnKind::Date;
+    case QMetaType::QString:
+        return ColumnKind::Text;
+    default:
+        return detail::isNumberType(QVariant(QMetaType(type))) ? ColumnKind::Number
+                                                               : ColumnKind::Unknown;
+    }
+}
+
+// What the store says of a statement's result columns; null when it can't
+// say (the rows are then narrowed in memory, as always).
+std::shared_ptr<const Described> describe(const QString& sql)
+{
+    auto& cache = describedCache();
+    if (const auto it = cache.constFind(sql); it != cache.constEnd())
+        return *it;
+    QSqlDatabase db = currentDb();
+    auto out = std::make_shared<Described>();
+    const QVariant handle = db.driver()->handle();
+    if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0) {
+        // The embedded store keeps the declared type of each column of a result.
+        sqlite3* store = *static_cast<sqlite3* const*>(handle.constData());
+        sqlite3_stmt* st = nullptr;
+        const QByteArray text = sql.toUtf8();
+        if (!store || sqlite3_prepare_v2(store, text.constData(), int(text.size()), &st, nullptr)
+                          != SQLITE_OK
+            || !st) {
+            sqlite3_finalize(st);
+            return nullptr;
+        }
+        for (int i = 0; i < sqlite3_column_count(st); ++i) {
+            out->columns.add(QString::fromUtf8(sqlite3_column_name(st, i)));
+            const char* declared = sqlite3_column_decltype(st, i);
+            out->kinds << detail::kindOfDeclaredType(declared ? QString::fromUtf8(declared)
+                                                              : QString());
+        }
+        sqlite3_finalize(st);
+    } else {
+        // A server types every column: read the types of an empty result.
+        QSqlQuery q(db);
+        if (!q.prepare(QStringLiteral("SELECT * FROM (%1) AS tqd WHERE 1 = 0").arg(sql)))
+            return nullptr;
+        for (int i = 0; i < placeholders(sql); ++i)
+            q.addBindValue(QVariant());
+        if (!q.exec())
+            return nullptr;
+        const QSqlRecord rec = q.record();
+        for (int i = 0; i < rec.count(); ++i) {
+            out->columns.add(rec.fieldName(i));
+            out->kinds << kindOfValueType(rec.field(i).metaType().id());
+        }
+    }
+    cache.insert(sql, out);
+    return out;
+}
+
+QString aliasAt(int depth) { return QStringLiteral("tq%1").arg(depth); }
+
+QString quotedName(QString name)
+{
+    // "Factura.fecha" names the column fecha.
+    name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
+    return QLatin1Char('"') + name.replace(QLatin1Char('"'), QStringLiteral("\"\""))
+           + QLatin1Char('"');
+}
+
+// The rows of `sql` that meet the condition.
+QString narrowedSql(const QString& sql, const StoreCondition& where, int depth)
+{
+    const QString alias = aliasAt(depth);
+    return QStringLiteral("SELECT * FROM (%1) AS %2 WHERE %3").arg(sql, alias, where.on(alias));
+}
+
+// The filter of a recordset as a condition on the rows its source reads
+// first: the rows of a plain or related result, or the rows that a grouped
+// result gathers (its groups' columns are theirs). None when no part of the
+// filter can be run in the store. Throws AppError for a text it can't read.
+std::optional<StoreCondition> storeCondition(const Source& src, const QString& filter)
+{
+    if (!g_filtersInStore)
+        return std::nullopt;
+    const std::shared_ptr<const Described> desc = describe(src.shape ? src.shape->sql : src.sql);
+    if (!desc)
+        return std::nullopt;
+    QVector<int> column;   // the filter's columns among the described ones
+    ColumnIndex names;
+    if (src.shape && !src.shape->computeBy.isEmpty()) {
+        for (const QString& c : src.shape->computeBy) {
+            names.add(c);
+            column << desc->columns.find(c);
+        }
+    } else {
+        names = desc->columns;
+        for (int i = 0; i < desc->columns.columns.size(); ++i)
+            column << i;
+    }
+    if (column.contains(-1))
+        return std::nullopt;
+    const Filter f(filter, [&names](const QString& n) { return names.find(n); });
+    return f.toStore([&](int i) { return desc->columns.columns.at(column.at(i)); },
+                     [&](int i) { return desc->kinds.at(column.at(i)); });
 }
 
 // Number of '?' placeholders outside quoted text.
@@ -162,25 +325,6 @@ int placeholders(const QString& sql)
     return n;
 }
 
-bool isNumberType(const QVariant& v)
-{
-    switch (v.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-        return true;
-    default:
-        return false;
-    }
-}
-
 QString numberKey(double d)
 {
     if (std::isfinite(d) && d == std::floor(d) && std::fabs(d) < 1e15)
@@ -196,7 +340,7 @@ QString looseKey(const QVariant& v)
         return QString();
     if (v.typeId() == QMetaType::Bool)
         return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    if (isNumberType(v))
+    if (detail::isNumberType(v))
         return numberKey(v.toDouble());
     if (v.typeId() == QMetaType::QDate)
         return v.toDate().toString(Qt::ISODate);
@@ -208,12 +352,23 @@ QString looseKey(const QVariant& v)
     return s;
 }
 
-std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& binds, int& used)
+// The rows of a shape and of every shape below it. `where`, when given,
+// narrows the shape's own rows in the store; the rows below are then read
+// only for the rows that pass.
+std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& binds, int& used,
+                                      const StoreCondition* where = nullptr, int depth = 0)
 {
     const int need = placeholders(shape.sql);
     const QVariantList mine = binds.mid(used, need);
     used += need;
-    std::shared_ptr<Table> rows = readAll(shape.sql, mine);
+    std::shared_ptr<Table> rows;
+    if (where) {
+        const std::shared_ptr<const Described> names = describe(shape.sql);
+        rows = readAll(narrowedSql(shape.sql, *where, depth), mine + where->binds,
+                       names ? &names->columns : nullptr);
+    } else {
+        rows = readAll(shape.sql, mine);
+    }
     if (!rows)
         throw DbError(QStringLiteral("La consulta de «%1» no devuelve filas.").arg(shape.alias),
                       QString(), shape.sql);
@@ -225,7 +380,18 @@ std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& bi
             continue;
         Link link;
         link.name = rel.name.isEmpty() ? rel.child->alias : rel.name;
-        link.node = buildNode(*rel.child, binds, used);
+        std::optional<StoreCondition> childWhere;
+        if (where) {
+            // Child rows whose key is among the keys of the parent rows that pass.
+            const QString alias = aliasAt(depth);
+            childWhere = StoreCondition{
+                QStringLiteral("%1.%2 IN (SELECT %3.%4 FROM (%5) AS %3 WHERE %6)")
+                    .arg(QString(StoreCondition::kAliasMark), quotedName(rel.childColumn), alias,
+                         quotedName(rel.parentColumn), shape.sql, where->on(alias)),
+                mine + where->binds};
+        }
+        link.node = buildNode(*rel.child, binds, used, childWhere ? &*childWhere : nullptr,
+                              depth + 1);
         link.parentColumn = rows->find(rel.parentColumn);
         const Table& childRows = *link.node->table;
         const int childColumn = childRows.find(rel.childColumn);
@@ -290,414 +456,6 @@ std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& bi
     return parent;
 }
 
-// ---------------------------------------------------------------- Filter
-
-enum class Op { Eq, Ne, Lt, Gt, Le, Ge, Like, IsNull, IsNotNull };
-
-struct Literal {
-    enum Kind { Number, Text, Date, Bool, Null } kind = Null;
-    double number = 0;
-    QString text;
-    QDate date;
-    bool truth = false;
-};
-
-struct Condition {
-    int column = -1;
-    Op op = Op::Eq;
-    Literal value;
-    QRegularExpression like;
-};
-
-struct FilterNode {
-    enum Kind { Leaf, And, Or } kind = Leaf;
-    Condition cond;
-    std::unique_ptr<FilterNode> left, right;
-};
-
-struct Token {
-    enum Kind { End, Ident, Number, Text, Date, BareDate, LParen, RParen, Oper } kind = End;
-    QString text;     // as read (identifiers without brackets, text without quotes)
-    bool quotedName = false;
-};
-
-class FilterParser {
-public:
-    FilterParser(const QString& text, const Table& table) : m_src(text), m_table(table)
-    {
-        tokenize();
-    }
-
-    std::unique_ptr<FilterNode> parse()
-    {
-        auto n = parseOr();
-        if (peek().kind != Token::End)
-            fail(QStringLiteral("sobra «%1»").arg(peek().text));
-        return n;
-    }
-
-private:
-    [[noreturn]] void fail(const QString& why) const
-    {
-        throw AppError(QStringLiteral("El filtro «%1» no se puede aplicar: %2.").arg(m_src, why));
-    }
-
-    void tokenize()
-    {
-        static const QRegularExpression date(
-            QStringLiteral("\\G[-+]?\\d{1,2}/\\d{1,2}/\\d{2,4}(?![\\d/])"));
-        static const QRegularExpression number(
-            QStringLiteral("\\G[-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?"));
-        static const QRegularExpression ident(QStringLiteral("\\G[\\p{L}_][\\p{L}\\p{N}_.]*"));
-        const QString& s = m_src;
-        int i = 0;
-        while (i < s.size()) {
-            const QChar c = s.at(i);
-            if (c.isSpace()) {
-                ++i;
-                continue;
-            }
-            Token t;
-            if (c == QLatin1Char('(') || c == QLatin1Char(')')) {
-                t.kind = c == QLatin1Char('(') ? Token::LParen : Token::RParen;
-                t.text = c;
-                ++i;
-            } else if (c == QLatin1Char('<') || c == QLatin1Char('>') || c == QLatin1Char('=')
-                       || c == QLatin1Char('!')) {
-                t.kind = Token::Oper;
-                t.text = c;
-                ++i;
-                if (i < s.size()) {
-                    const QString two = t.text + s.at(i);
-                    if (two == QLatin1String("<=") || two == QLatin1String(">=")
-                        || two == QLatin1String("<>") || two == QLatin1String("!=")) {
-                        t.text = two;
-                        ++i;
-                    }
-                }
-                if (t.text == QLatin1String("!"))
-                    fail(QStringLiteral("el signo «!» no es un operador"));
-            } else if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
-                // Quoted text; a doubled quote stands for one.
-                const QChar q = c;
-                ++i;
-                bool closed = false;
-                while (i < s.size()) {
-                    if (s.at(i) == q) {
-                        if (i + 1 < s.size() && s.at(i + 1) == q) {
-                            t.text += q;
-                            i += 2;
-                            continue;
-                        }
-                        ++i;
-                        closed = true;
-                        break;
-                    }
-                    t.text += s.at(i++);
-                }
-                if (!closed)
-                    fail(QStringLiteral("falta cerrar la comilla del texto «%1»").arg(t.text));
-                t.kind = Token::Text;
-            } else if (c == QLatin1Char('#')) {
-                const int end = s.indexOf(QLatin1Char('#'), i + 1);
-                if (end < 0)
-                    fail(QStringLiteral("falta cerrar la fecha entre «#»"));
-                t.kind = Token::Date;
-                t.text = s.mid(i + 1, end - i - 1).trimmed();
-                i = end + 1;
-            } else if (c == QLatin1Char('[') || c == QLatin1Char('`')) {
-                const QChar close = c == QLatin1Char('[') ? QLatin1Char(']') : QLatin1Char('`');
-                const int end = s.indexOf(close, i + 1);
-                if (end < 0)
-                    fail(QStringLiteral("falta cerrar el nombre de columna"));
-                t.kind = Token::Ident;
-                t.quotedName = true;
-                t.text = s.mid(i + 1, end - i - 1);
-                i = end + 1;
-            } else if (auto m = date.match(s, i); m.hasMatch()) {
-                t.kind = Token::BareDate;
-                t.text = m.captured();
-                i += m.capturedLength();
-            } else if (auto m2 = number.match(s, i); m2.hasMatch()) {
-                t.kind = Token::Number;
-                t.text = m2.captured();
-                i += m2.capturedLength();
-            } else if (auto m3 = ident.match(s, i); m3.hasMatch()) {
-                t.kind = Token::Ident;
-                t.text = m3.captured();
-                i += m3.capturedLength();
-            } else {
-                fail(QStringLiteral("no se entiende «%1»").arg(s.mid(i, 10)));
-            }
-            m_tokens.push_back(t);
-        }
-        m_tokens.push_back(Token());
-    }
-
-    const Token& peek() const { return m_tokens[m_at]; }
-    Token take() { return m_tokens[m_at < m_tokens.size() - 1 ? m_at++ : m_at]; }
-
-    bool isWord(const Token& t, const char* word) const
-    {
-        return t.kind == Token::Ident && !t.quotedName
-               && t.text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
-    }
-
-    std::unique_ptr<FilterNode> parseOr()
-    {
-        auto left = parseAnd();
-        while (isWord(peek(), "or")) {
-            take();
-            auto n = std::make_unique<FilterNode>();
-            n->kind = FilterNode::Or;
-            n->left = std::move(left);
-            n->right = parseAnd();
-            left = std::move(n);
-        }
-        return left;
-    }
-
-    std::unique_ptr<FilterNode> parseAnd()
-    {
-        auto left = parsePrimary();
-        while (isWord(peek(), "and")) {
-            take();
-            auto n = std::make_unique<FilterNode>();
-            n->kind = FilterNode::And;
-            n->left = std::move(left);
-            n->right = parsePrimary();
-            left = std::move(n);
-        }
-        return left;
-    }
-
-    std::unique_ptr<FilterNode> parsePrimary()
-    {
-        if (peek().kind == Token::LParen) {
-            take();
-            auto n = parseOr();
-            if (peek().kind != Token::RParen)
-                fail(QStringLiteral("falta cerrar un paréntesis"));
-            take();
-            return n;
-        }
-        return parseClause();
-    }
-
-    std::unique_ptr<FilterNode> parseClause()
-    {
-        const Token name = take();
-        if (name.kind != Token::Ident || isWord(name, "and") || isWord(name, "or"))
-            fail(name.kind == Token::End ? QStringLiteral("falta una condición al final")
-                                         : QStringLiteral("se esperaba el nombre de una columna "
-                                                          "en lugar de «%1»")
-                                               .arg(name.text));
-        auto n = std::make_unique<FilterNode>();
-        Condition& c = n->cond;
-        c.column = m_table.find(name.text);
-        if (c.column < 0)
-            fail(QStringLiteral("la columna «%1» no está en el conjunto de registros")
-                     .arg(name.text));
-
-        const Token op = take();
-        if (isWord(op, "is")) {
-            bool negated = false;
-            if (isWord(peek(), "not")) {
-                take();
-                negated = true;
-            }
-            if (!isWord(take(), "null"))
-                fail(QStringLiteral("se esperaba «Null» después de «Is»"));
-            c.op = negated ? Op::IsNotNull : Op::IsNull;
-            return n;
-        }
-        if (isWord(op, "like")) {
-            c.op = Op::Like;
-        } else if (op.kind == Token::Oper) {
-            if (op.text == QLatin1String("="))
-                c.op = Op::Eq;
-            else if (op.text == QLatin1String("<>") || op.text == QLatin1String("!="))
-                c.op = Op::Ne;
-            else if (op.text == QLatin1String("<"))
-                c.op = Op::Lt;
-            else if (op.text == QLatin1String(">"))
-                c.op = Op::Gt;
-            else if (op.text == QLatin1String("<="))
-                c.op = Op::Le;
-            else
-                c.op = Op::Ge;
-        } else {
-            fail(QStringLiteral("se esperaba un operador (=, <>, <, >, <=, >=, Like) después de "
-                                "«%1»")
-                     .arg(name.text));
-        }
-
-        const Token v = take();
-        Literal& lit = c.value;
-        switch (v.kind) {
-        case Token::Number:
-            lit.kind = Literal::Number;
-            lit.number = v.text.toDouble();
-            lit.text = v.text;
-            break;
-        case Token::Text:
-            lit.kind = Literal::Text;
-            lit.text = v.text;
-            break;
-        case Token::Date:
-        case Token::BareDate:
-            lit.kind = Literal::Date;
-            lit.text = v.text;
-            lit.date = parseDate(v.text);
-            if (!lit.date.isValid())
-                fail(QStringLiteral("la fecha «%1» no es válida").arg(v.text));
-            break;
-        case Token::Ident:
-            if (isWord(v, "true") || isWord(v, "false")) {
-                lit.kind = Literal::Bool;
-                lit.truth = isWord(v, "true");
-                lit.text = v.text;
-                break;
-            }
-            if (isWord(v, "null")) {
-                lit.kind = Literal::Null;
-                break;
-            }
-            fail(QStringLiteral("el valor «%1» debe ir entre comillas").arg(v.text));
-        default:
-            fail(QStringLiteral("falta el valor después de «%1 %2»").arg(name.text, op.text));
-        }
-        if (c.op == Op::Like) {
-            if (lit.kind == Literal::Null)
-                fail(QStringLiteral("Like necesita un texto"));
-            // * and % stand for any run of characters, _ and ? for one.
-            QString re;
-            for (const QChar ch : lit.text) {
-                if (ch == QLatin1Char('*') || ch == QLatin1Char('%'))
-                    re += QStringLiteral(".*");
-                else if (ch == QLatin1Char('_') || ch == QLatin1Char('?'))
-                    re += QLatin1Char('.');
-                else
-                    re += QRegularExpression::escape(QString(ch));
-            }
-            c.like = QRegularExpression(QRegularExpression::anchoredPattern(re),
-                                        QRegularExpression::CaseInsensitiveOption
-                                            | QRegularExpression::DotMatchesEverythingOption);
-        }
-        return n;
-    }
-
-    QString m_src;
-    const Table& m_table;
-    std::vector<Token> m_tokens;
-    size_t m_at = 0;
-};
-
-bool cellTruth(const QVariant& v)
-{
-    if (v.typeId() == QMetaType::Bool)
-        return v.toBool();
-    if (isNumberType(v))
-        return v.toDouble() != 0.0;
-    const QString s = v.toString().trimmed();
-    if (s.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
-        return true;
-    if (s.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
-        return false;
-    return Val(s) != 0.0;
-}
-
-template <typename T>
-bool compareBy(Op op, const T& a, const T& b)
-{
-    switch (op) {
-    case Op::Eq: return a == b;
-    case Op::Ne: return !(a == b);
-    case Op::Lt: return a < b;
-    case Op::Gt: return b < a;
-    case Op::Le: return !(b < a);
-    case Op::Ge: return !(a < b);
-    default: return false;
-    }
-}
-
-bool compareNumbers(Op op, double a, double b)
-{
-    const double tol = 1e-9 * std::max({1.0, std::fabs(a), std::fabs(b)});
-    const int cmp = std::fabs(a - b) <= tol ? 0 : (a < b ? -1 : 1);
-    return compareBy(op, cmp, 0);
-}
-
-bool matches(const Condition& c, const QVector<QVariant>& row, bool yesNoColumn)
-{
-    const QVariant& v = row.at(c.column);
-    const bool null = !v.isValid() || v.isNull();
-    if (c.op == Op::IsNull)
-        return null;
-    if (c.op == Op::IsNotNull)
-        return !null;
-    const Literal& lit = c.value;
-    if (lit.kind == Literal::Null)
-        return c.op == Op::Eq ? null : (c.op == Op::Ne ? !null : false);
-    if (null)
-        return false;
-
-    if (c.op == Op::Like)
-        return c.like.match(v.toString()).hasMatch();
-
-    // Yes/no: true, false, -1, 0 and 1 are read as truth.
-    if (lit.kind == Literal::Bool || (yesNoColumn && lit.kind == Literal::Number)
-        || v.typeId() == QMetaType::Bool) {
-        bool litTruth = lit.truth;
-        if (lit.kind == Literal::Number)
-            litTruth = lit.number != 0.0;
-        else if (lit.kind == Literal::Text)
-            litTruth = cellTruth(QVariant(lit.text));
-        else if (lit.kind == Literal::Date)
-            return false;
-        return compareBy(c.op, cellTruth(v) ? 1 : 0, litTruth ? 1 : 0);
-    }
-
-    const QDate asDate = storedDate(v);
-    if (lit.kind == Literal::Date || (asDate.isValid() && lit.kind == Literal::Text)) {
-        const QDate wanted = lit.kind == Literal::Date ? lit.date : parseDate(lit.text);
-        QDate have = asDate;
-        if (!have.isValid())
-            have = parseDate(v.toString());
-        if (wanted.isValid() && have.isValid())
-            return compareBy(c.op, have, wanted);
-        if (lit.kind == Literal::Date)
-            return false;
-        // A text that isn't a date, against a date column: compare as text.
-    }
-
-    if (lit.kind == Literal::Number) {
-        if (isNumberType(v))
-            return compareNumbers(c.op, v.toDouble(), lit.number);
-        const QString s = v.toString();
-        if (isNumeric(s))
-            return compareNumbers(c.op, s.trimmed().toDouble(), lit.number);
-        return false;
-    }
-
-    // Text.
-    if (isNumberType(v) && isNumeric(lit.text))
-        return compareNumbers(c.op, v.toDouble(), lit.text.trimmed().toDouble());
-    return compareBy(c.op, v.toString().compare(lit.text), 0);
-}
-
-bool passes(const FilterNode& n, const QVector<QVariant>& row, const Table& t)
-{
-    switch (n.kind) {
-    case FilterNode::And:
-        return passes(*n.left, row, t) && passes(*n.right, row, t);
-    case FilterNode::Or:
-        return passes(*n.left, row, t) || passes(*n.right, row, t);
-    case FilterNode::Leaf:
-        break;
-    }
-    return matches(n.cond, row, t.yesNo.at(n.cond.column));
-}
 
 QString noCurrentRow()
 {
@@ -715,8 +473,62 @@ Recordset::Recordset(const CommandDef* def) : m_def(def) {}
 
 int Recordset::state() const { return d ? 1 : 0; }
 
+namespace {
+
+// Reads a source's rows (all, or those the condition lets through).
+std::shared_ptr<Recordset::Data> fetch(const std::shared_ptr<const Source>& src,
+                                       const StoreCondition* where)
+{
+    std::shared_ptr<const Node> node;
+    if (src->shape) {
+        int used = 0;
+        node = buildNode(*src->shape, src->binds, used, where);
+    } else {
+        std::shared_ptr<Table> t;
+        if (where) {
+            const std::shared_ptr<const Described> names = describe(src->sql);
+            t = readAll(narrowedSql(src->sql, *where, 0), src->binds + where->binds,
+                        names ? &names->columns : nullptr);
+        } else {
+            t = readAll(src->sql, src->binds);
+        }
+        if (!t)
+            throw DbError(QStringLiteral("La consulta no devuelve filas."), QString(), src->sql);
+        auto n = std::make_shared<Node>();
+        n->table = t;
+        node = n;
+    }
+    auto data = std::make_shared<Recordset::Data>();
+    data->node = node;
+    data->base.resize(node->table->rows.size());
+    for (int i = 0; i < data->base.size(); ++i)
+        data->base[i] = i;
+    data->view = data->base;
+    data->source = src;
+    return data;
+}
+
+// Narrows the rows held to those that pass the classic reading of the filter.
+void applyFilter(Recordset::Data& data, const QString& filter)
+{
+    const Table& t = *data.node->table;
+    const Filter f(filter, [&t](const QString& n) { return t.find(n); });
+    QVector<int> view;
+    view.reserve(data.base.size());
+    for (int r : std::as_const(data.base))
+        if (f.passes(t.rows.at(r), t.yesNo))
+            view.append(r);
+    data.view = std::move(view);
+    data.filter = filter;
+}
+
+}  // namespace
+
 void Recordset::open(const QString& sql, const QVariantList& binds)
 {
+    auto src = std::make_shared<Source>();
+    src->sql = sql;
+    src->binds = binds;
     std::shared_ptr<Table> t = readAll(sql, binds);
     if (!t) {
         // delete, update, insert: nothing to hold.
@@ -731,6 +543,7 @@ void Recordset::open(const QString& sql, const QVariantList& binds)
     for (int i = 0; i < data->base.size(); ++i)
         data->base[i] = i;
     data->view = data->base;
+    data->source = src;
     d = std::move(data);
     m_pos = d->view.isEmpty() ? -1 : 0;
 }
@@ -739,39 +552,55 @@ void Recordset::open()
 {
     if (!m_def)
         throw AppError(QStringLiteral("Este conjunto de registros no tiene una consulta guardada."));
+    auto src = std::make_shared<Source>();
     switch (m_def->kind) {
     case CommandKind::Slot:
         throw AppError(QStringLiteral("El conjunto de registros «%1» no tiene una consulta "
                                       "guardada; se abre con su propio texto.")
                            .arg(m_def->name));
     case CommandKind::Table:
-        open(QStringLiteral("SELECT * FROM ") + m_def->text);
-        return;
+        src->sql = QStringLiteral("SELECT * FROM ") + m_def->text;
+        break;
     case CommandKind::Query:
-        open(m_def->text);
-        return;
+        src->sql = m_def->text;
+        break;
     case CommandKind::Shaped:
         if (!m_def->shape)
             throw AppError(QStringLiteral("El conjunto de registros «%1» no tiene su forma "
                                           "jerárquica.")
                                .arg(m_def->name));
-        openShape(*m_def->shape);
-        return;
+        src->shape = m_def->shape;
+        break;
     }
+    // A report source is usually narrowed by a filter right after it opens:
+    // its rows are read when first needed, by then perhaps filtered in the store.
+    auto data = std::make_shared<Data>();
+    data->source = src;
+    data->pending = true;
+    d = std::move(data);
+    m_pos = 0;
 }
 
 void Recordset::openShape(const Shape& shape, const QVariantList& binds)
 {
-    int used = 0;
-    std::shared_ptr<const Node> node = buildNode(shape, binds, used);
-    auto data = std::make_shared<Data>();
-    data->node = node;
-    data->base.resize(node->table->rows.size());
-    for (int i = 0; i < data->base.size(); ++i)
-        data->base[i] = i;
-    data->view = data->base;
-    d = std::move(data);
+    auto src = std::make_shared<Source>();
+    src->shape = std::make_shared<Shape>(shape);
+    src->binds = binds;
+    d = fetch(src, nullptr);
     m_pos = d->view.isEmpty() ? -1 : 0;
+}
+
+void Recordset::ensureRows() const
+{
+    if (!d || !d->pending)
+        return;
+    // Copies made while the rows were pending read these same rows.
+    const std::shared_ptr<Data> rows = fetch(d->source, nullptr);
+    d->node = rows->node;
+    d->base = rows->base;
+    d->view = rows->view;
+    d->pending = false;
+    d->narrowed = false;
 }
 
 void Recordset::close()
@@ -780,11 +609,23 @@ void Recordset::close()
     m_pos = -1;
 }
 
-int Recordset::recordCount() const { return d ? d->view.size() : 0; }
+int Recordset::recordCount() const
+{
+    ensureRows();
+    return d ? d->view.size() : 0;
+}
 
-bool Recordset::eof() const { return !d || d->view.isEmpty() || m_pos >= d->view.size(); }
+bool Recordset::eof() const
+{
+    ensureRows();
+    return !d || d->view.isEmpty() || m_pos >= d->view.size();
+}
 
-bool Recordset::bof() const { return !d || d->view.isEmpty() || m_pos < 0; }
+bool Recordset::bof() const
+{
+    ensureRows();
+    return !d || d->view.isEmpty() || m_pos < 0;
+}
 
 void Recordset::moveFirst() { m_pos = recordCount() > 0 ? 0 : -1; }
 
@@ -814,10 +655,15 @@ void Recordset::setPosition(int row)
     m_pos = row < 0 ? -1 : std::min(row, n);
 }
 
-QStringList Recordset::fieldNames() const { return d ? d->node->table->columns : QStringList(); }
+QStringList Recordset::fieldNames() const
+{
+    ensureRows();
+    return d ? d->node->table->columns : QStringList();
+}
 
 bool Recordset::hasField(const QString& name) const
 {
+    ensureRows();
     return d && d->node->table->find(name) >= 0;
 }
 
@@ -843,6 +689,7 @@ int columnOf(const Table* t, const QString& name, const CommandDef* def)
 
 QVariant Recordset::field(const QString& name) const
 {
+    ensureRows();
     const int c = columnOf(d ? d->node->table.get() : nullptr, name, m_def);
     if (eof() || bof())
         throw AppError(noCurrentRow());
@@ -857,11 +704,13 @@ QString Recordset::text(const QString& name) const
 
 QVariant Recordset::valueAt(int row, const QString& name) const
 {
+    ensureRows();
     return valueAt(row, columnOf(d ? d->node->table.get() : nullptr, name, m_def));
 }
 
 QVariant Recordset::valueAt(int row, int column) const
 {
+    ensureRows();
     if (!d)
         throw AppError(QStringLiteral("El conjunto de registros está cerrado."));
     if (row < 0 || row >= d->view.size())
@@ -882,23 +731,45 @@ void Recordset::setFilter(const QString& filter)
                                       "cerrado.")
                            .arg(m_def ? QStringLiteral(" «%1»").arg(m_def->name) : QString()));
     }
-    const Table& t = *d->node->table;
-    QVector<int> view;
     if (filter.trimmed().isEmpty()) {
-        view = d->base;
-    } else {
-        FilterParser parser(filter, t);
-        const std::unique_ptr<FilterNode> tree = parser.parse();
-        view.reserve(d->base.size());
-        for (int r : std::as_const(d->base))
-            if (passes(*tree, t.rows.at(r), t))
-                view.append(r);
+        if (d->pending)
+            return;
+        if (d->narrowed) {
+            // Only the filtered rows are held: the whole source is read
+            // again when it is next needed.
+            auto data = std::make_shared<Data>();
+            data->source = d->source;
+            data->pending = true;
+            d = std::move(data);
+            m_pos = 0;
+            return;
+        }
+        // Copies of this recordset keep their own rows.
+        if (d.use_count() > 1)
+            d = std::make_shared<Data>(*d);
+        d->view = d->base;
+        d->filter.clear();
+        m_pos = d->view.isEmpty() ? -1 : 0;
+        return;
     }
-    // Copies of this recordset keep their own rows.
-    if (d.use_count() > 1)
-        d = std::make_shared<Data>(*d);
-    d->view = std::move(view);
-    d->filter = filter.trimmed().isEmpty() ? QString() : filter;
+    if (d->source) {
+        // Run in the store, the filter costs only the rows it lets through.
+        if (const std::optional<StoreCondition> where = storeCondition(*d->source, filter)) {
+            std::shared_ptr<Data> data = fetch(d->source, &*where);
+            data->narrowed = true;
+            applyFilter(*data, filter);
+            d = std::move(data);
+            m_pos = d->view.isEmpty() ? -1 : 0;
+            return;
+        }
+    }
+    std::shared_ptr<Data> data;
+    if (d->pending || d->narrowed)
+        data = fetch(d->source, nullptr);
+    else
+        data = std::make_shared<Data>(*d);   // copies of this recordset keep their own rows
+    applyFilter(*data, filter);
+    d = std::move(data);
     m_pos = d->view.isEmpty() ? -1 : 0;
 }
 
@@ -906,6 +777,7 @@ QString Recordset::filter() const { return d ? d->filter : QString(); }
 
 Recordset Recordset::child(const QString& name) const
 {
+    ensureRows();
     if (!d)
         throw AppError(QStringLiteral("El conjunto de registros está cerrado."));
     const Link* link = nullptr;
@@ -937,6 +809,7 @@ Recordset Recordset::child(const QString& name) const
 
 QStringList Recordset::childNames() const
 {
+    ensureRows();
     QStringList out;
     if (d)
         for (const Link& l : d->node->links)
@@ -1059,6 +932,7 @@ void Amb1::openStore(const QString& path)
 
 void Amb1::closeStore()
 {
+    describedCache().clear();
     p->resetSlots();
     p->depth = 0;
     p->lastId = QVariant();
@@ -1198,6 +1072,10 @@ void Amb1::rollback()
     }
     --p->depth;
 }
+
+void Amb1::setFiltersInStore(bool on) { g_filtersInStore = on; }
+
+bool Amb1::filtersInStore() const { return g_filtersInStore; }
 
 bool Amb1::inTransaction() const { return p->depth > 0; }
 

@@ -58,7 +58,8 @@ public:
     // returns no rows (delete, update) leaves the recordset closed.
     // Throws DbError on failure.
     void open(const QString& sql, const QVariantList& binds = {});
-    // Opens the command's stored source (table, query or shape).
+    // Opens the command's stored source (table, query or shape). Its rows are
+    // read when first needed, so that a filter set next is run in the store.
     void open();
     void openShape(const Shape& shape, const QVariantList& binds = {});
     void close();
@@ -86,7 +87,11 @@ public:
     // Narrows the rows to those that pass a classic filter text, such as
     // "factura = 12", "anulada =0 and fecha = 22/11/2026" or
     // "fecha >= '01/11/2026' and fecha <= '30/11/2026'". An empty text clears it.
-    // Throws AppError for a text it can't read.
+    // On a recordset opened from a query or a named source, the filter runs
+    // in the store with its values bound (for a hierarchical result, the
+    // rows below are read only for the rows that pass), so it costs only the
+    // rows it returns; the classic reading in memory still has the last word.
+    // Throws AppError for a text it can't read; the earlier filter stands.
     void setFilter(const QString& filter);
     QString filter() const;
 
@@ -97,8 +102,10 @@ public:
 
     const CommandDef* command() const;
 
+    struct Data;   // the rows held; opaque
+
 private:
-    struct Data;
+    void ensureRows() const;   // reads the rows of a source opened but not yet read
     std::shared_ptr<Data> d;
     const CommandDef* m_def = nullptr;
     int m_pos = -1;
@@ -132,6 +139,11 @@ public:
     // Returns the key the store gave the new row (its counter), if any.
     QVariant insert(const QString& table, const QStringList& columns,
                     const QVariantList& values);
+
+    // Filters of recordsets run in the store (the default), or only in memory
+    // (to compare the two on the same rows).
+    void setFiltersInStore(bool on);
+    bool filtersInStore() const;
 
     void begin();
     void commit();
