@@ -873,15 +873,16 @@ void Amb1::openStore(const QString& path)
         db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
         if (!db.open()) {
             why = db.lastError().text();
-            failure = QStringLiteral("No se pudo abrir la base de datos %1: %2").arg(where, why);
+            failure = QStringLiteral("No se pudo abrir la base de datos %1. %2")
+                          .arg(where, storeFailure(db.lastError()));
         } else {
             // A file that isn't a store opens but can't be read.
             QSqlQuery check(db);
             if (!check.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
                 why = check.lastError().text();
                 failure = QStringLiteral("No se pudo abrir la base de datos %1: el archivo no es "
-                                         "una base de datos válida (%2).")
-                              .arg(where, why);
+                                         "una base de datos válida.")
+                              .arg(where);
             } else {
                 check.finish();
                 // Deletion rules live in the screens; the store enforces no keys.
@@ -1010,15 +1011,15 @@ void Amb1::begin()
     QSqlDatabase db = currentDb();
     if (p->depth == 0) {
         if (!db.transaction())
-            throw DbError(QStringLiteral("No se pudo iniciar la transacción: %1")
-                              .arg(db.lastError().text()),
+            throw DbError(QStringLiteral("No se pudo iniciar la transacción. %1")
+                              .arg(storeFailure(db.lastError())),
                           db.lastError().text());
     } else {
         const QString sql = QStringLiteral("SAVEPOINT tq_sp%1").arg(p->depth);
         QSqlQuery q(db);
         if (!q.exec(sql))
-            throw DbError(QStringLiteral("No se pudo iniciar la transacción: %1")
-                              .arg(q.lastError().text()),
+            throw DbError(QStringLiteral("No se pudo iniciar la transacción. %1")
+                              .arg(storeFailure(q.lastError())),
                           q.lastError().text(), sql);
     }
     ++p->depth;
@@ -1031,19 +1032,22 @@ void Amb1::commit()
     QSqlDatabase db = currentDb();
     if (p->depth == 1) {
         if (!db.commit()) {
-            const QString why = db.lastError().text();
+            const QSqlError why = db.lastError();
             db.rollback();
             p->depth = 0;
-            throw DbError(QStringLiteral("No se pudieron guardar los cambios: %1").arg(why), why);
+            throw DbError(QStringLiteral("No se pudieron guardar los cambios. %1")
+                              .arg(storeFailure(why)),
+                          why.text());
         }
     } else {
         const QString sql = QStringLiteral("RELEASE SAVEPOINT tq_sp%1").arg(p->depth - 1);
         QSqlQuery q(db);
         if (!q.exec(sql)) {
-            const QString why = q.lastError().text();
+            const QSqlError why = q.lastError();
             rollbackOpenTransaction();
-            throw DbError(QStringLiteral("No se pudieron guardar los cambios: %1").arg(why), why,
-                          sql);
+            throw DbError(QStringLiteral("No se pudieron guardar los cambios. %1")
+                              .arg(storeFailure(why)),
+                          why.text(), sql);
         }
     }
     --p->depth;
