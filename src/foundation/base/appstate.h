@@ -27,12 +27,13 @@ struct AppState {
 
     // Values of the laboratory flow (work table, result screens, corrections).
     bool enMesa = false;
-    double idFormatoActual = 0;
-    double idFormatoImpresion = 0;
+    // Format ids, invoice and sheet numbers are 32-bit, as every code of a record.
+    std::int32_t idFormatoActual = 0;
+    std::int32_t idFormatoImpresion = 0;
     bool resultadoGuardado = false;
-    int facturaCambio = 0;
-    int numformatoCambio = 0;
-    int plantillaCambio = 0;
+    std::int32_t facturaCambio = 0;
+    std::int32_t numformatoCambio = 0;
+    std::int16_t plantillaCambio = 0;   // template code 1 to 6
     // An insured patient pays this invoice himself (billing).
     std::int16_t pagoPacienteAsegurado = 0;
 };
