@@ -475,6 +475,20 @@ int Recordset::state() const { return d ? 1 : 0; }
 
 namespace {
 
+// A recordset's hold on every row of a node read from a source.
+std::shared_ptr<Recordset::Data> holding(const std::shared_ptr<const Node>& node,
+                                         const std::shared_ptr<const Source>& src)
+{
+    auto data = std::make_shared<Recordset::Data>();
+    data->node = node;
+    data->base.resize(node->table->rows.size());
+    for (int i = 0; i < data->base.size(); ++i)
+        data->base[i] = i;
+    data->view = data->base;
+    data->source = src;
+    return data;
+}
+
 // Reads a source's rows (all, or those the condition lets through).
 std::shared_ptr<Recordset::Data> fetch(const std::shared_ptr<const Source>& src,
                                        const StoreCondition* where)
@@ -498,14 +512,7 @@ std::shared_ptr<Recordset::Data> fetch(const std::shared_ptr<const Source>& src,
         n->table = t;
         node = n;
     }
-    auto data = std::make_shared<Recordset::Data>();
-    data->node = node;
-    data->base.resize(node->table->rows.size());
-    for (int i = 0; i < data->base.size(); ++i)
-        data->base[i] = i;
-    data->view = data->base;
-    data->source = src;
-    return data;
+    return holding(node, src);
 }
 
 // Narrows the rows held to those that pass the classic reading of the filter.
@@ -537,14 +544,7 @@ void Recordset::open(const QString& sql, const QVariantList& binds)
     }
     auto node = std::make_shared<Node>();
     node->table = t;
-    auto data = std::make_shared<Data>();
-    data->node = node;
-    data->base.resize(t->rows.size());
-    for (int i = 0; i < data->base.size(); ++i)
-        data->base[i] = i;
-    data->view = data->base;
-    data->source = src;
-    d = std::move(data);
+    d = holding(node, src);
     m_pos = d->view.isEmpty() ? -1 : 0;
 }
 
