@@ -31,7 +31,7 @@ namespace {
 
 // Raise when the fill changes, so that stores made by an earlier fill are
 // made again.
-constexpr int kFillVersion = 1;
+constexpr int kFillVersion = 2;
 
 // splitmix64: the same numbers on every machine and standard library.
 class Rng {
@@ -109,10 +109,11 @@ struct ExamType {
     std::vector<const char*> exams;   // most requested first
 };
 
-// Chemistry is also run on other specimens, at a higher price.
+// Chemistry is also run on other specimens than serum.
 const char* const kSpecimens[] = {"en Orina de 24 Horas", "en Orina al Azar",
                                   "en Liquido Cefalorraquideo", "en Liquido Pleural",
-                                  "en Liquido Ascitico", "en Liquido Sinovial"};
+                                  "en Liquido Ascitico", "en Liquido Sinovial",
+                                  "en Liquido Peritoneal"};
 const char* const kOtherSpecimenAnalytes[] = {
     "Glucosa", "Proteinas Totales", "LDH", "Albumina", "Amilasa", "Creatinina", "Sodio",
     "Potasio", "Cloro", "Calcio", "Acido Urico", "Fosforo", "Magnesio", "Nitrogeno Ureico"};
@@ -149,19 +150,25 @@ std::vector<ExamType> examTypes()
           "Toxoplasma IgG", "Toxoplasma IgM", "Rubeola IgG", "Rubeola IgM",
           "Citomegalovirus IgG", "Citomegalovirus IgM", "Herpes Simple IgG", "Mononucleosis",
           "Chagas", "Helicobacter pylori en Sangre", "Inmunoglobulina E", "Complemento C3",
-          "Complemento C4", "Anticuerpos Antinucleares"}},
+          "Complemento C4", "Anticuerpos Antinucleares", "Inmunoglobulina A", "Inmunoglobulina G",
+          "Inmunoglobulina M", "Sifilis Prueba Treponemica", "Hepatitis B Anticuerpo Core",
+          "Zika IgM", "Chikungunya IgM", "Leptospira IgM", "Brucella",
+          "Helicobacter pylori IgG Cuantitativo"}},
         {"Hormonas", 1, 6, 250, 700, "24 horas",
          {"TSH", "T4 Libre", "T3 Libre", "Prolactina", "HCG Cuantitativa",
           "Antigeno Prostatico Especifico", "FSH", "LH", "Estradiol", "Progesterona",
           "Testosterona", "Cortisol", "Insulina", "T3 Total", "T4 Total", "PSA Libre",
           "Vitamina D", "Vitamina B12", "Acido Folico", "Hormona del Crecimiento",
           "Paratohormona", "Alfafetoproteina", "Antigeno Carcinoembrionario", "CA 125",
-          "CA 19-9", "CA 15-3"}},
+          "CA 19-9", "CA 15-3", "Androstenediona", "DHEA-S", "ACTH", "Aldosterona",
+          "Hormona Antimulleriana", "Tiroglobulina", "Anticuerpos Anti-TPO", "Calcitonina"}},
         {"Microbiologia", 1, 3, 250, 600, "3 dias",
          {"Cultivo de Orina", "Cultivo de Heces", "Cultivo de Secrecion Vaginal",
           "Cultivo de Secrecion Faringea", "Baciloscopia", "Tincion de Gram", "KOH",
           "Cultivo de Esputo", "Hemocultivo", "Cultivo de Herida", "Frotis Vaginal",
-          "Cultivo de Secrecion Uretral"}},
+          "Cultivo de Secrecion Uretral", "Cultivo de Liquido Cefalorraquideo",
+          "Cultivo de Secrecion Otica", "Cultivo de Secrecion Ocular", "Urocultivo con Antibiograma",
+          "Coprocultivo con Antibiograma", "Antibiograma"}},
         {"Coagulacion", 1, 2, 100, 300, "Mismo dia",
          {"Tiempo de Protrombina", "Tiempo de Tromboplastina Parcial", "Fibrinogeno",
           "Tiempo de Sangrado", "Tiempo de Coagulacion", "Dimero D"}},
@@ -176,7 +183,15 @@ std::vector<ExamType> examTypes()
           "r. Prueba de Paternidad", "r. Carga Viral VIH", "r. Recuento de CD4",
           "r. PCR Tuberculosis", "r. Panel de Alergenos", "r. Inmunofijacion", "r. Homocisteina",
           "r. Troponina I", "r. Procalcitonina", "r. Anticuerpos Antitiroideos",
-          "r. Cultivo de Hongos", "r. Biopsia de Piel", "r. Antigeno Prostatico Ultrasensible"}},
+          "r. Cultivo de Hongos", "r. Biopsia de Piel", "r. Antigeno Prostatico Ultrasensible",
+          "r. Biopsia de Mama", "r. Biopsia de Prostata", "r. Citologia de Liquidos",
+          "r. Papanicolaou", "r. Panel Viral Respiratorio", "r. PCR SARS-CoV-2",
+          "r. Anticuerpos Anti-CCP", "r. Anticuerpos Anti-DNA", "r. ANCA", "r. Cadenas Ligeras",
+          "r. Beta 2 Microglobulina", "r. Calprotectina", "r. Elastasa Fecal", "r. Tacrolimus",
+          "r. Niveles de Litio", "r. Niveles de Digoxina", "r. Acido Valproico", "r. Fenitoina",
+          "r. Carbamazepina", "r. Panel de Drogas de Abuso"}},
+        // Chemistry on other specimens than serum: the names are made below.
+        {"Liquidos Corporales", 4, 1, 100, 400, "Mismo dia", {}},
     };
     return t;
 }
@@ -405,7 +420,7 @@ private:
             std::vector<QString> names;
             for (const char* name : et.exams)
                 names.push_back(S(name));
-            if (et.plantilla == 4)   // the least requested come last
+            if (et.exams.empty())
                 for (const char* specimen : kSpecimens)
                     for (const char* analyte : kOtherSpecimenAnalytes)
                         names.push_back(S(analyte) + QLatin1Char(' ') + S(specimen));
@@ -416,9 +431,7 @@ private:
                 e.type = t;
                 e.plantilla = et.plantilla;
                 e.takesResult = !e.name.startsWith(QLatin1String("r. "));
-                // Other specimens than the usual cost more.
-                const double base = m_rng.between(et.minPrice, et.maxPrice);
-                e.price = roundToFive(e.name.contains(QLatin1String(" en L")) ? base * 1.6 : base);
+                e.price = roundToFive(m_rng.between(et.minPrice, et.maxPrice));
                 // "valor", the cost from supplies, is worked out once the supplies exist.
                 exam.row(e.name, typeCode, tq::money(e.price), tq::money(roundToFive(e.price * 0.9)),
                          tq::money(0.0), S(et.delivery), e.takesResult);
