@@ -194,9 +194,10 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments)
         if (!child.waitForReadyRead(30000)) {
             child.kill();
             child.waitForFinished(5000);
-            throw std::runtime_error(QStringLiteral("%1 no mostró su ventana: %2")
-                                         .arg(program, QString::fromLocal8Bit(child.readAllStandardError()))
-                                         .toStdString());
+            throw std::runtime_error(
+                QStringLiteral("%1 no mostró su ventana: %2")
+                    .arg(program, QString::fromLocal8Bit(child.readAllStandardError()))
+                    .toStdString());
         }
     }
     const qint64 us = clock.nsecsElapsed() / 1000;
@@ -207,7 +208,9 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments)
         child.waitForFinished(5000);
     }
     if (!number)
-        throw std::runtime_error(QStringLiteral("%1 no escribió sus milisegundos de inicio").arg(program).toStdString());
+        throw std::runtime_error(QStringLiteral("%1 no escribió sus milisegundos de inicio")
+                                     .arg(program)
+                                     .toStdString());
     return us;
 }
 
@@ -225,10 +228,12 @@ QString narrowedSource(const QString& command, const QString& child, const QStri
                 shape = r.child.get();
     }
     if (!shape)
-        throw std::runtime_error(QStringLiteral("%1 %2 no tiene una forma guardada").arg(command, child).toStdString());
+        throw std::runtime_error(
+            QStringLiteral("%1 %2 no tiene una forma guardada").arg(command, child).toStdString());
     QString sql = shape->sql;
     if (!sql.contains(QLatin1String(" WHERE "), Qt::CaseInsensitive))
-        throw std::runtime_error(QStringLiteral("la consulta de %1 no tiene WHERE").arg(command).toStdString());
+        throw std::runtime_error(
+            QStringLiteral("la consulta de %1 no tiene WHERE").arg(command).toStdString());
     const int order = sql.lastIndexOf(QLatin1String(" ORDER BY "), -1, Qt::CaseInsensitive);
     const QString narrowing = QStringLiteral(" AND ") + condition;
     if (order >= 0)

@@ -65,8 +65,8 @@ int main(int argc, char** argv)
     SilentPrompts silent;
     tq::installPrompts(&silent);
     try {
-        const bench::LargeStore store =
-            bench::largeStore(QStringLiteral(TQ_BENCH_DIR), args.contains(QStringLiteral("--rebuild")));
+        const bench::LargeStore store = bench::largeStore(
+            QStringLiteral(TQ_BENCH_DIR), args.contains(QStringLiteral("--rebuild")));
         tq::setDataFolder(store.folder);
         tq::amb1().openStore(store.path);
         sqlite3* bare = bench::openBare(store.path, true);

@@ -53,11 +53,13 @@ void addFoundationPaths(Bench& bench, const Context& c)
                    return timeToWindow(c.program, {QStringLiteral("--data"), c.dataFolder,
                                                    QStringLiteral("--tiempo-inicio")});
                },
-               .floor = [c] { return timeToWindow(c.bareWindow, {QStringLiteral("--tiempo-inicio")}); },
+               .floor = [c] {
+                   return timeToWindow(c.bareWindow, {QStringLiteral("--tiempo-inicio")});
+               },
                .target = Target::startUp(),
-               .note = QStringLiteral("whole processes under QT_QPA_PLATFORM=offscreen, from launch until "
-                              "the window is exposed; floor: a bare Qt window with two fields and "
-                              "a button"),
+               .note = QStringLiteral("whole processes under QT_QPA_PLATFORM=offscreen, from "
+                                      "launch until the window is exposed; floor: a bare Qt "
+                                      "window with two fields and a button"),
                .wholeProcess = true});
 
     // Both sides pay one Argon2id verification of the stored hash (about
@@ -77,8 +79,8 @@ void addFoundationPaths(Bench& bench, const Context& c)
                                       "WHERE cod_empleado = ? AND cod_modulo = 1");
                    if (right.readAll(employee) == 0)
                        return qint64(0);
-                   Stmt(c.bare, "SELECT Cod_Item, nombre_Item, descripcion_Item, precio_Item, unidad, "
-                                "cminima, stock FROM Insumos WHERE cminima >= stock "
+                   Stmt(c.bare, "SELECT Cod_Item, nombre_Item, descripcion_Item, precio_Item, "
+                                "unidad, cminima, stock FROM Insumos WHERE cminima >= stock "
                                 "ORDER BY nombre_Item")
                        .readAll();
                    Stmt(c.bare, "SELECT nombre_lab, telefono_lab FROM datos").readAll();
@@ -94,8 +96,8 @@ void addFoundationPaths(Bench& bench, const Context& c)
                    }
                    return granted;
                },
-               .note = QStringLiteral("both sides verify the typed password against its Argon2id hash "
-                              "once (about 10 ms, on purpose)")});
+               .note = QStringLiteral("both sides verify the typed password against its Argon2id "
+                                      "hash once (about 10 ms, on purpose)")});
 
     bench.add({.name = QStringLiteral("employee list (Form1)"),
                .run = [] {
@@ -139,7 +141,8 @@ void addFoundationPaths(Bench& bench, const Context& c)
                    if (rs.isOpen())
                        rs.close();
                    rs.open();
-                   rs.setFilter(QStringLiteral("fecha = ") + c.cutDay.toString(QStringLiteral("dd/MM/yyyy")));
+                   rs.setFilter(QStringLiteral("fecha = ")
+                                + c.cutDay.toString(QStringLiteral("dd/MM/yyyy")));
                    qint64 seen = 0;
                    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
                        readFields(rs, {QStringLiteral("fecha"), QStringLiteral("anulada")});

@@ -167,8 +167,8 @@ std::vector<ExamType> examTypes()
           "Cultivo de Secrecion Faringea", "Baciloscopia", "Tincion de Gram", "KOH",
           "Cultivo de Esputo", "Hemocultivo", "Cultivo de Herida", "Frotis Vaginal",
           "Cultivo de Secrecion Uretral", "Cultivo de Liquido Cefalorraquideo",
-          "Cultivo de Secrecion Otica", "Cultivo de Secrecion Ocular", "Urocultivo con Antibiograma",
-          "Coprocultivo con Antibiograma", "Antibiograma"}},
+          "Cultivo de Secrecion Otica", "Cultivo de Secrecion Ocular",
+          "Urocultivo con Antibiograma", "Coprocultivo con Antibiograma", "Antibiograma"}},
         {"Coagulacion", 1, 2, 100, 300, "Mismo dia",
          {"Tiempo de Protrombina", "Tiempo de Tromboplastina Parcial", "Fibrinogeno",
           "Tiempo de Sangrado", "Tiempo de Coagulacion", "Dimero D"}},
@@ -361,10 +361,12 @@ private:
 
     void laboratory()
     {
-        Stmt(m_db, "UPDATE datos SET nombre_lab = ?, eslogan_lab = ?, rtn_lab = ?, "
-                   "direccion_lab = ?, telefono_lab = ?, fax_lab = ?, correo_lab = ?")
-            .row(S("Laboratorio Clinico San Rafael"), S("Resultados confiables, atencion con calidez"),
-                 S("08019012345678"), S("Col. Palmira, Ave. Republica de Chile, Tegucigalpa, M.D.C."),
+        Stmt(m_db,
+             "UPDATE datos SET nombre_lab = ?, eslogan_lab = ?, rtn_lab = ?, "
+             "direccion_lab = ?, telefono_lab = ?, fax_lab = ?, correo_lab = ?")
+            .row(S("Laboratorio Clinico San Rafael"),
+                 S("Resultados confiables, atencion con calidez"), S("08019012345678"),
+                 S("Col. Palmira, Ave. Republica de Chile, Tegucigalpa, M.D.C."),
                  S("2232-4578 / 9988-1122"), S("2232-4579"), S("info@labsanrafael.hn"));
         // Card charge and third-age discount as the laboratory set them.
         Stmt(m_db, "UPDATE IST SET IST = ?").row(0.04);
@@ -384,8 +386,9 @@ private:
             const bool woman = m_rng.chance(0.6);
             const QString nombre = givenNames(woman, true);
             const QString apellido = surnames();
-            const QString base = i == 0 ? kSignOnUser
-                                        : mailName(nombre.left(1) + apellido.section(QLatin1Char(' '), 0, 0));
+            const QString base
+                = i == 0 ? kSignOnUser
+                         : mailName(nombre.left(1) + apellido.section(QLatin1Char(' '), 0, 0));
             QString usuario = base;
             for (int n = 2; taken.contains(usuario); ++n)
                 usuario = base + QString::number(n);
@@ -433,8 +436,9 @@ private:
                 e.takesResult = !e.name.startsWith(QLatin1String("r. "));
                 e.price = roundToFive(m_rng.between(et.minPrice, et.maxPrice));
                 // "valor", the cost from supplies, is worked out once the supplies exist.
-                exam.row(e.name, typeCode, tq::money(e.price), tq::money(roundToFive(e.price * 0.9)),
-                         tq::money(0.0), S(et.delivery), e.takesResult);
+                exam.row(e.name, typeCode, tq::money(e.price),
+                         tq::money(roundToFive(e.price * 0.9)), tq::money(0.0), S(et.delivery),
+                         e.takesResult);
                 e.code = int(lastKey());
                 ofType.push_back(int(m_exams.size()));
                 m_exams.push_back(e);
@@ -458,8 +462,9 @@ private:
 
     void insurers()
     {
-        Stmt insurer(m_db, "INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, Cuenta) "
-                           "VALUES (?, ?, ?, ?, ?, ?)");
+        Stmt insurer(m_db,
+                     "INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, Cuenta) "
+                     "VALUES (?, ?, ?, ?, ?, ?)");
         Stmt price(m_db, "INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
                          "VALUES (?, ?, ?)");
         const int count = int(std::size(kInsurers));
@@ -492,25 +497,26 @@ private:
     {
         Stmt insert(m_db, "INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, dir_doctor, "
                           "tel_doctor, correo_doctor, porsentaje) VALUES (?, ?, ?, ?, ?, ?)");
-        const char* const places[] = {"Hospital Viera", "Clinica Santa Fe", "Centro Medico Hondureño",
-                                      "Hospital San Felipe", "Clinica La Esperanza",
-                                      "Hospital Honduras Medical Center", "Clinica Pediatrica Infantil",
-                                      "Hospital La Policlinica"};
+        const char* const places[] = {
+            "Hospital Viera", "Clinica Santa Fe", "Centro Medico Hondureño", "Hospital San Felipe",
+            "Clinica La Esperanza", "Hospital Honduras Medical Center",
+            "Clinica Pediatrica Infantil", "Hospital La Policlinica"};
         const int rates[] = {0, 5, 8, 10, 12, 15};
         for (int i = 0; i < m_sizes.doctors; ++i) {
             const bool woman = m_rng.chance(0.45);
             const QString nombre = givenNames(woman, true);
             const QString apellido = surnames();
             const int rate = m_rng.pick(rates);
-            insert.row(nombre, apellido,
-                       QStringLiteral("%1, %2").arg(S(m_rng.pick(places)), S(m_rng.pick(kNeighbourhoods))),
-                       phone("2"),
-                       m_rng.chance(0.6) ? std::optional<QString>(
-                                               mailName(nombre.section(QLatin1Char(' '), 0, 0).left(1)
-                                                        + apellido.section(QLatin1Char(' '), 0, 0))
-                                               + QStringLiteral("@medicoshn.com"))
-                                         : std::nullopt,
-                       rate);
+            insert.row(
+                nombre, apellido,
+                QStringLiteral("%1, %2").arg(S(m_rng.pick(places)), S(m_rng.pick(kNeighbourhoods))),
+                phone("2"),
+                m_rng.chance(0.6)
+                    ? std::optional<QString>(mailName(nombre.section(QLatin1Char(' '), 0, 0).left(1)
+                                                      + apellido.section(QLatin1Char(' '), 0, 0))
+                                             + QStringLiteral("@medicoshn.com"))
+                    : std::nullopt,
+                rate);
             m_doctorRate.push_back(rate);
         }
     }
@@ -518,10 +524,11 @@ private:
     // Ages from newborns to 95, more of them young; one in five insured.
     void patients()
     {
-        Stmt insert(m_db, "INSERT INTO Pacientes (nombre_paciente, apellido_paciente, sexo, "
-                          "fecha_nacimiento, tel_paciente, cel_paciente, direccion_paciente, correo, "
-                          "fax_cliente, asegurado, eadulto, Cod_seguro) "
-                          "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        Stmt insert(m_db,
+                    "INSERT INTO Pacientes (nombre_paciente, apellido_paciente, sexo, "
+                    "fecha_nacimiento, tel_paciente, cel_paciente, direccion_paciente, correo, "
+                    "fax_cliente, asegurado, eadulto, Cod_seguro) "
+                    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
         const int insurerCount = int(std::size(kInsurers));
         m_patients.reserve(m_sizes.patients);
         for (int i = 0; i < m_sizes.patients; ++i) {
@@ -535,14 +542,15 @@ private:
             p.insurer = p.insured ? 1 + m_rng.below(insurerCount) : 0;
             p.fullName = nombre + QLatin1Char(' ') + apellido;
             const bool teen = age >= 12 && age < 16;
-            insert.row(nombre, apellido, woman ? QStringLiteral("Femenino") : QStringLiteral("Masculino"),
-                       p.birth, m_rng.chance(0.4) ? std::optional<QString>(phone("2")) : std::nullopt,
+            insert.row(nombre, apellido,
+                       woman ? QStringLiteral("Femenino") : QStringLiteral("Masculino"), p.birth,
+                       m_rng.chance(0.4) ? std::optional<QString>(phone("2")) : std::nullopt,
                        m_rng.chance(0.85) ? std::optional<QString>(phone("9383")) : std::nullopt,
                        address(),
                        m_rng.chance(0.15) ? std::optional<QString>(
-                                                mailName(nombre.section(QLatin1Char(' '), 0, 0) + QLatin1Char(' ')
-                                                         + apellido.section(QLatin1Char(' '), 0, 0))
-                                                + QStringLiteral("@correo.hn"))
+                           mailName(nombre.section(QLatin1Char(' '), 0, 0) + QLatin1Char(' ')
+                                    + apellido.section(QLatin1Char(' '), 0, 0))
+                           + QStringLiteral("@correo.hn"))
                                           : std::nullopt,
                        m_rng.chance(0.01) ? std::optional<QString>(phone("2")) : std::nullopt,
                        p.insured, teen && m_rng.chance(0.2), p.insurer);
@@ -553,11 +561,13 @@ private:
     // Version 1 of the three grid templates, with their normal values.
     void templates()
     {
-        Stmt parameter(m_db, "INSERT INTO parametros (cod_parametro, parametro, unidad) VALUES (?, ?, ?)");
+        Stmt parameter(
+            m_db, "INSERT INTO parametros (cod_parametro, parametro, unidad) VALUES (?, ?, ?)");
         Stmt normal(m_db, "INSERT INTO valparametros (cod_parametro, cod_sexo, valor_normal) "
                           "VALUES (?, ?, ?)");
-        Stmt place(m_db, "INSERT INTO PlantillaParametro (Cod_Plantilla, cod_Parametro, version, orden) "
-                         "VALUES (?, ?, ?, ?)");
+        Stmt place(m_db,
+                   "INSERT INTO PlantillaParametro (Cod_Plantilla, cod_Parametro, version, orden) "
+                   "VALUES (?, ?, ?, ?)");
         QHash<QString, int> codes;
         auto layout = [&](int plantilla, const Parameter* params, int count) {
             for (int i = 0; i < count; ++i) {
@@ -567,7 +577,8 @@ private:
                     codes.insert(name, code);
                     parameter.row(code, name, S(params[i].unit));
                     if (*params[i].normal)
-                        normal.row(code, 4, S(params[i].normal) + QLatin1Char(' ') + S(params[i].unit));
+                        normal.row(code, 4,
+                                   S(params[i].normal) + QLatin1Char(' ') + S(params[i].unit));
                 }
                 place.row(plantilla, codes.value(name), 1, i);
             }
@@ -579,12 +590,16 @@ private:
 
     void supplies()
     {
-        Stmt supply(m_db, "INSERT INTO Insumos (Cod_Item, nombre_Item, descripcion_Item, precio_Item, "
-                          "unidad, cminima, stock) VALUES (?, ?, ?, ?, ?, ?, ?)");
-        Stmt supplier(m_db, "INSERT INTO proveedor (prvcod, prvnom, prvref, prvdir, prvtel, prvcor) "
-                            "VALUES (?, ?, ?, ?, ?, ?)");
+        Stmt supply(m_db,
+                    "INSERT INTO Insumos (Cod_Item, nombre_Item, descripcion_Item, precio_Item, "
+                    "unidad, cminima, stock) VALUES (?, ?, ?, ?, ?, ?, ?)");
+        Stmt supplier(m_db,
+                      "INSERT INTO proveedor (prvcod, prvnom, prvref, prvdir, prvtel, prvcor) "
+                      "VALUES (?, ?, ?, ?, ?, ?)");
         Stmt offers(m_db, "INSERT INTO proveedoresinsumos (prvcod, cod_item) VALUES (?, ?)");
-        Stmt uses(m_db, "INSERT INTO Relacion (Cod_Descripcionexamen, Cod_Item, Cantidad) VALUES (?, ?, ?)");
+        Stmt uses(
+            m_db,
+            "INSERT INTO Relacion (Cod_Descripcionexamen, Cod_Item, Cantidad) VALUES (?, ?, ?)");
         Stmt cost(m_db, "UPDATE Examenes SET valor = ? WHERE cod_descripcionexamen = ?");
 
         const int items = int(std::size(kSupplyItems));
@@ -593,18 +608,21 @@ private:
             const double price = m_rng.between(20, 2500) / 10.0;
             const int minimum = m_rng.between(2, 20);
             // One in twenty is at or below its minimum.
-            const int stock = m_rng.chance(0.05) ? m_rng.between(0, minimum) : m_rng.between(minimum + 1, 200);
+            const int stock
+                = m_rng.chance(0.05) ? m_rng.between(0, minimum) : m_rng.between(minimum + 1, 200);
             supply.row(i + 1,
-                       QStringLiteral("%1 %2").arg(S(item[0]), S(kBrands[(i / items) % std::size(kBrands)])),
-                       QStringLiteral("Presentacion por %1").arg(S(item[1]).toLower()), tq::money(price),
-                       S(item[1]), minimum, stock);
+                       QStringLiteral("%1 %2").arg(S(item[0]),
+                                                   S(kBrands[(i / items) % std::size(kBrands)])),
+                       QStringLiteral("Presentacion por %1").arg(S(item[1]).toLower()),
+                       tq::money(price), S(item[1]), minimum, stock);
             m_supplyPrice.push_back(price);
         }
         const char* const kinds[] = {"Distribuidora", "Droguería", "Importadora", "Suministros"};
         for (int p = 1; p <= m_sizes.suppliers; ++p) {
             const QString surname = S(m_rng.pick(kSurnames));
             supplier.row(p, QStringLiteral("%1 %2").arg(S(m_rng.pick(kinds)), surname),
-                         QStringLiteral("Ing. %1 %2").arg(givenNames(m_rng.chance(0.5), false), S(m_rng.pick(kSurnames))),
+                         QStringLiteral("Ing. %1 %2")
+                             .arg(givenNames(m_rng.chance(0.5), false), S(m_rng.pick(kSurnames))),
                          address(), phone("2"),
                          QStringLiteral("ventas@%1.hn").arg(mailName(surname)));
         }
@@ -637,12 +655,14 @@ private:
 
     void purchases()
     {
-        Stmt purchase(m_db, "INSERT INTO compra (numcompra, fecha, prvcod, total) VALUES (?, ?, ?, ?)");
+        Stmt purchase(m_db,
+                      "INSERT INTO compra (numcompra, fecha, prvcod, total) VALUES (?, ?, ?, ?)");
         Stmt line(m_db, "INSERT INTO compradetalle (numcompra, cod_item, cantidad, preciodecompra, "
                         "subtotal) VALUES (?, ?, ?, ?, ?)");
         const int days = int(kFirstDay.daysTo(kLastDay));
         for (int n = 1; n <= m_sizes.purchases && m_sizes.suppliers > 0; ++n) {
-            const QDate date = kFirstDay.addDays(qint64(days) * (n - 1) / std::max(1, m_sizes.purchases));
+            const QDate date
+                = kFirstDay.addDays(qint64(days) * (n - 1) / std::max(1, m_sizes.purchases));
             const int prv = 1 + m_rng.below(m_sizes.suppliers);
             const std::vector<int>& offered = m_offeredBy[prv];
             if (offered.empty()) {
@@ -728,7 +748,8 @@ private:
             for (int tries = 0; m_patients[inv.patient].birth > inv.date; ++tries)
                 inv.patient = tries < 50 ? m_rng.below(m_sizes.patients)
                                          : (inv.patient + 1) % m_sizes.patients;
-            inv.doctor = m_rng.chance(0.4) && m_sizes.doctors > 0 ? 1 + m_rng.below(m_sizes.doctors) : 0;
+            inv.doctor
+                = m_rng.chance(0.4) && m_sizes.doctors > 0 ? 1 + m_rng.below(m_sizes.doctors) : 0;
             inv.firstLine = int(m_lines.size());
             inv.lineCount = counts[i];
             QSet<int> chosen;
@@ -776,7 +797,9 @@ private:
         }
         int withSheets = onTable;
         for (int sheets = 0; withSheets > 0;) {
-            const int more = m_voided[withSheets - 1] ? 0 : int(sheetTemplates(m_invoices[withSheets - 1]).size());
+            const int more = m_voided[withSheets - 1]
+                                 ? 0
+                                 : int(sheetTemplates(m_invoices[withSheets - 1]).size());
             if (sheets + more > m_sizes.sheets)
                 break;
             sheets += more;
@@ -789,24 +812,28 @@ private:
         // The newest sheets are filled but not printed yet.
         const int firstUnprinted = sheetTotal - std::max(1, m_sizes.sheets / 160) + 1;
 
-        Stmt invoice(m_db,
-                     "INSERT INTO Factura (factura, fecha, cod_paciente, faturado, sub_total, adicional, "
-                     "valadicional, total, efectivo, tarjeta, cheque, Abono, pagada, credito, "
-                     "edad_paciente, Cod_doctor, pagada_doc, comision_pagada, fecha_pag_doc, anulada, "
-                     "motivo_anulacion, fecha_anulacion, evaluada, tipo_factura) "
-                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        Stmt invoice(
+            m_db,
+            "INSERT INTO Factura (factura, fecha, cod_paciente, faturado, sub_total, adicional, "
+            "valadicional, total, efectivo, tarjeta, cheque, Abono, pagada, credito, "
+            "edad_paciente, Cod_doctor, pagada_doc, comision_pagada, fecha_pag_doc, anulada, "
+            "motivo_anulacion, fecha_anulacion, evaluada, tipo_factura) "
+            "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
         Stmt detail(m_db, "INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad, "
                           "subtotal, evaluado, impreso, num_impresion, tecnico, fecha_llenado, "
                           "iduniversalformato) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-        Stmt receivable(m_db, "INSERT INTO cxc (factura, Cod_paciente, estado, fecha_pago, referencia) "
-                              "VALUES (?, ?, ?, ?, ?)");
-        Stmt instalment(m_db, "INSERT INTO creditos (factura, numero, fecha, abono) VALUES (?, ?, ?, ?)");
+        Stmt receivable(m_db,
+                        "INSERT INTO cxc (factura, Cod_paciente, estado, fecha_pago, referencia) "
+                        "VALUES (?, ?, ?, ?, ?)");
+        Stmt instalment(m_db,
+                        "INSERT INTO creditos (factura, numero, fecha, abono) VALUES (?, ?, ?, ?)");
         Stmt card(m_db, "INSERT INTO Datostarjeta (factura, num_autorizacion, num_tarjeta, "
                         "num_identidad) VALUES (?, ?, ?, ?)");
         Stmt waiting(m_db, "INSERT INTO EvaluadoTemporal (factura, cod_descripcionexamen, examen, "
                            "decrementado) VALUES (?, ?, ?, ?)");
-        Stmt cell(m_db, "INSERT INTO resultados (num_factura, NumFormato, Cod_Plantilla, celda, valor, "
-                        "version, iduniversalformato) VALUES (?, ?, ?, ?, ?, ?, ?)");
+        Stmt cell(m_db,
+                  "INSERT INTO resultados (num_factura, NumFormato, Cod_Plantilla, celda, valor, "
+                  "version, iduniversalformato) VALUES (?, ?, ?, ?, ?, ?, ?)");
 
         int formatId = 0;
         for (int i = 0; i < n; ++i) {
@@ -847,7 +874,8 @@ private:
             if (toInsurer) {
                 // The whole total stays owed by the insurer.
             } else if (onCredit) {
-                const double now = std::min(total, roundToFive(total * (0.3 + 0.1 * m_rng.below(5))));
+                const double now
+                    = std::min(total, roundToFive(total * (0.3 + 0.1 * m_rng.below(5))));
                 (m_rng.chance(0.2) ? onCard : cash) = now;
             } else if (kind < 0.78) {
                 cash = total;
@@ -898,25 +926,27 @@ private:
             const double commission =
                 commissionPaid ? cents(total * m_doctorRate[inv.doctor - 1] / 100.0) : 0.0;
 
-            invoice.row(number, inv.date, inv.patient + 1, m_desk[m_rng.below(int(m_desk.size()))],
-                        tq::money(subTotal), extra,
-                        extra ? Written(tq::money(extraAmount)) : Written(0), tq::money(total),
-                        tq::money(cash), tq::money(onCard), tq::money(cheque), tq::money(abono), paid,
-                        onCredit || toInsurer, tq::calculoedad(patient.birth, inv.date).text, doctor,
-                        commissionPaid, commissionPaid ? Written(tq::money(commission)) : Written(0),
-                        commissionDate, voided,
-                        voided ? std::optional<QString>(S(m_rng.pick(kVoidReasons))) : std::nullopt,
-                        voided ? std::optional<QDate>(std::min(kLastDay, inv.date.addDays(m_rng.below(3))))
-                               : std::nullopt,
-                        false, Null{});
+            invoice.row(
+                number, inv.date, inv.patient + 1, m_desk[m_rng.below(int(m_desk.size()))],
+                tq::money(subTotal), extra, extra ? Written(tq::money(extraAmount)) : Written(0),
+                tq::money(total), tq::money(cash), tq::money(onCard), tq::money(cheque),
+                tq::money(abono), paid, onCredit || toInsurer,
+                tq::calculoedad(patient.birth, inv.date).text, doctor, commissionPaid,
+                commissionPaid ? Written(tq::money(commission)) : Written(0), commissionDate,
+                voided, voided ? std::optional<QString>(S(m_rng.pick(kVoidReasons))) : std::nullopt,
+                voided ? std::optional<QDate>(std::min(kLastDay, inv.date.addDays(m_rng.below(3))))
+                       : std::nullopt,
+                false, Null{});
 
             if (toInsurer) {
+                std::optional<QString> reference;
+                if (insurerPaid && m_rng.chance(0.6))
+                    reference = QStringLiteral("Cheque No. %1").arg(m_rng.between(10000, 99999));
+                else if (insurerPaid)
+                    reference =
+                        QStringLiteral("Transferencia %1").arg(m_rng.between(100000, 999999));
                 receivable.row(number, inv.patient + 1, insurerPaid.has_value(), insurerPaid,
-                               insurerPaid ? std::optional<QString>(
-                                                 m_rng.chance(0.6)
-                                                     ? QStringLiteral("Cheque No. %1").arg(m_rng.between(10000, 99999))
-                                                     : QStringLiteral("Transferencia %1").arg(m_rng.between(100000, 999999)))
-                                           : std::nullopt);
+                               reference);
             }
             if (toInsurer || onCredit) {
                 instalment.row(number, 1, inv.date, tq::money(toInsurer ? 0.0 : paidNow));
@@ -950,12 +980,13 @@ private:
                 std::optional<double> id;
                 bool printed = done;
                 if (done && sheets) {
-                    const auto at = std::find(templatesHere.begin(), templatesHere.end(), exam.plantilla);
+                    const auto at
+                        = std::find(templatesHere.begin(), templatesHere.end(), exam.plantilla);
                     id = ids[at - templatesHere.begin()];
                     printed = *id < firstUnprinted;
                 }
-                detail.row(number, exam.code, int(line.units), tq::money(amounts[l - inv.firstLine]),
-                           done, printed, printed ? 1 : 0,
+                detail.row(number, exam.code, int(line.units),
+                           tq::money(amounts[l - inv.firstLine]), done, printed, printed ? 1 : 0,
                            done ? std::optional<QString>(technician) : std::nullopt,
                            done ? std::optional<QDate>(filled) : std::nullopt, id);
                 if (waits)
@@ -994,20 +1025,22 @@ private:
             put(QStringLiteral("E4"), number(2, 8, 0));
             put(QStringLiteral("E5"), number(1, 4, 0));
             put(QStringLiteral("E6"), QStringLiteral("0"));
-            put(QStringLiteral("W"), m_rng.chance(0.1) ? QStringLiteral("Muestra hemolizada levemente")
-                                                       : QString(""));
+            put(QStringLiteral("W"),
+                m_rng.chance(0.1) ? QStringLiteral("Muestra hemolizada levemente") : QString(""));
             break;
         case 3: {
             const char* const physical[] = {"Amarillo", "Claro", "1.020", "6.0"};
             for (int r = 0; r < 4; ++r)
                 put(QStringLiteral("B%1").arg(r + 1), S(physical[r]));
             for (int r = 9; r <= 15; ++r)
-                put(QStringLiteral("B%1").arg(r), m_rng.chance(0.9) ? QStringLiteral("Negativo")
-                                                                     : QStringLiteral("Positivo +"));
-            put(QStringLiteral("D1"), QStringLiteral("%1-%2").arg(m_rng.below(4)).arg(2 + m_rng.below(6)));
+                put(QStringLiteral("B%1").arg(r),
+                    m_rng.chance(0.9) ? QStringLiteral("Negativo") : QStringLiteral("Positivo +"));
+            put(QStringLiteral("D1"),
+                QStringLiteral("%1-%2").arg(m_rng.below(4)).arg(2 + m_rng.below(6)));
             put(QStringLiteral("D2"), QStringLiteral("0-1"));
             put(QStringLiteral("D3"), QStringLiteral("Escasas"));
-            put(QStringLiteral("D4"), m_rng.chance(0.3) ? QStringLiteral("Moderadas") : QStringLiteral("Escasas"));
+            put(QStringLiteral("D4"),
+                m_rng.chance(0.3) ? QStringLiteral("Moderadas") : QStringLiteral("Escasas"));
             put(QStringLiteral("W"), QString(""));
             break;
         }
@@ -1016,8 +1049,8 @@ private:
             for (int l = inv.firstLine; l < inv.firstLine + inv.lineCount && row < 17; ++l)
                 if (m_exams[m_lines[l].exam].plantilla == 4)
                     put(QStringLiteral("B%1").arg(++row), number(60, 220, 1));
-            put(QStringLiteral("W"), m_rng.chance(0.1) ? QStringLiteral("Paciente no estaba en ayunas")
-                                                       : QString(""));
+            put(QStringLiteral("W"),
+                m_rng.chance(0.1) ? QStringLiteral("Paciente no estaba en ayunas") : QString(""));
             break;
         }
         case 5: {
@@ -1025,16 +1058,19 @@ private:
                                          "Negativo", ""};
             for (int k = 0; k < 5; ++k)
                 put(QString::number(k + 1), S(stool[k]));
-            put(QStringLiteral("7"), m_rng.chance(0.2) ? QStringLiteral("Quistes de Entamoeba histolytica")
-                                                       : QStringLiteral("No se observan"));
+            put(QStringLiteral("7"), m_rng.chance(0.2)
+                                         ? QStringLiteral("Quistes de Entamoeba histolytica")
+                                         : QStringLiteral("No se observan"));
             break;
         }
         default:
             put(QStringLiteral("1"),
-                QStringLiteral("RESULTADO\n\nMuestra: suero\nMetodo: inmunoensayo\n\nResultado: %1\n"
-                               "Valor de referencia: segun edad y sexo del paciente.\n\n"
-                               "Validado por el laboratorio.")
-                    .arg(m_rng.chance(0.8) ? QStringLiteral("No reactivo") : QStringLiteral("Reactivo")));
+                QStringLiteral(
+                    "RESULTADO\n\nMuestra: suero\nMetodo: inmunoensayo\n\nResultado: %1\n"
+                    "Valor de referencia: segun edad y sexo del paciente.\n\n"
+                    "Validado por el laboratorio.")
+                    .arg(m_rng.chance(0.8) ? QStringLiteral("No reactivo")
+                                           : QStringLiteral("Reactivo")));
             break;
         }
     }
@@ -1063,8 +1099,8 @@ QString storeFolderName()
 {
     QCryptographicHash hash(QCryptographicHash::Sha1);
     for (const QString& table : tq::schema::tableNames())
-        hash.addData((table + QLatin1Char('(') + tq::schema::columnNames(table).join(QLatin1Char(','))
-                      + QLatin1Char(')'))
+        hash.addData((table + QLatin1Char('(')
+                      + tq::schema::columnNames(table).join(QLatin1Char(',')) + QLatin1Char(')'))
                          .toUtf8());
     return QStringLiteral("almacen-%1-%2")
         .arg(kFillVersion)

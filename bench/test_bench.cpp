@@ -39,9 +39,10 @@ QByteArray digest(const QString& path)
     Stmt tables(db, "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name");
     while (tables.next()) {
         const QString table = tables.columnText(0);
-        const QString sql = table == QLatin1String("Empleados")
-                                ? QStringLiteral("SELECT cod_empleado, nombre_empleado, usuario FROM Empleados")
-                                : QStringLiteral("SELECT * FROM \"%1\" ORDER BY rowid").arg(table);
+        const QString sql
+            = table == QLatin1String("Empleados")
+                  ? QStringLiteral("SELECT cod_empleado, nombre_empleado, usuario FROM Empleados")
+                  : QStringLiteral("SELECT * FROM \"%1\" ORDER BY rowid").arg(table);
         sqlite3_stmt* rows = nullptr;
         sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &rows, nullptr);
         while (sqlite3_step(rows) == SQLITE_ROW)
@@ -80,15 +81,19 @@ private slots:
         QCOMPARE(count(m_db, "SELECT count(*) FROM Factura"), s.invoices);
         QCOMPARE(count(m_db, "SELECT count(*) FROM FacturaDetalle"), s.lines);
         QVERIFY(count(m_db, "SELECT count(*) FROM Examenes") > 300);
-        QVERIFY(count(m_db, "SELECT count(*) FROM Pacientes WHERE sexo = 'Femenino'") > s.patients / 3);
-        QVERIFY(count(m_db, "SELECT count(*) FROM Pacientes WHERE sexo = 'Masculino'") > s.patients / 3);
+        QVERIFY(count(m_db, "SELECT count(*) FROM Pacientes WHERE sexo = 'Femenino'")
+                > s.patients / 3);
+        QVERIFY(count(m_db, "SELECT count(*) FROM Pacientes WHERE sexo = 'Masculino'")
+                > s.patients / 3);
         // Billed only on open days within the two years, each patient after birth.
-        QCOMPARE(count(m_db, QStringLiteral("SELECT count(*) FROM Factura WHERE fecha < '%1' OR "
-                                            "fecha > '%2' OR strftime('%w', fecha) = '0'")
-                                 .arg(kFirstDay.toString(Qt::ISODate), kLastDay.toString(Qt::ISODate))),
-                 0);
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f JOIN Pacientes p "
-                             "ON p.cod_paciente = f.cod_paciente WHERE p.fecha_nacimiento > f.fecha"),
+        QCOMPARE(
+            count(m_db, QStringLiteral("SELECT count(*) FROM Factura WHERE fecha < '%1' OR "
+                                       "fecha > '%2' OR strftime('%w', fecha) = '0'")
+                            .arg(kFirstDay.toString(Qt::ISODate), kLastDay.toString(Qt::ISODate))),
+            0);
+        QCOMPARE(count(m_db,
+                       "SELECT count(*) FROM Factura f JOIN Pacientes p "
+                       "ON p.cod_paciente = f.cod_paciente WHERE p.fecha_nacimiento > f.fecha"),
                  0);
         // Money written through "#.00" is stored as a number of two decimals at most.
         QCOMPARE(count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE typeof(subtotal) NOT IN "
@@ -98,25 +103,31 @@ private slots:
 
     void amountsAddUp()
     {
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f WHERE abs(sub_total - (SELECT "
-                             "sum(subtotal) FROM FacturaDetalle d WHERE d.factura = f.factura)) > 0.005"),
+        QCOMPARE(count(m_db,
+                       "SELECT count(*) FROM Factura f WHERE abs(sub_total - (SELECT "
+                       "sum(subtotal) FROM FacturaDetalle d WHERE d.factura = f.factura)) > 0.005"),
                  0);
         QCOMPARE(count(m_db, "SELECT count(*) FROM Factura WHERE abs(total - sub_total - CASE "
                              "adicional WHEN 'Recargo' THEN valadicional WHEN 'Descuento' THEN "
                              "-valadicional ELSE 0 END) > 0.005"),
                  0);
         // Paid at once: the whole total at the desk.
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura WHERE credito = 0 AND (pagada = 0 OR "
-                             "abs(Abono - total) > 0.005 OR abs(efectivo + tarjeta + cheque - total) > 0.005)"),
-                 0);
+        QCOMPARE(
+            count(
+                m_db,
+                "SELECT count(*) FROM Factura WHERE credito = 0 AND (pagada = 0 OR "
+                "abs(Abono - total) > 0.005 OR abs(efectivo + tarjeta + cheque - total) > 0.005)"),
+            0);
         // On credit: instalment 1 on the invoice's day, Abono their sum, paid
         // when they reach the total (or when the insurer settled).
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f WHERE credito = 1 AND NOT EXISTS "
-                             "(SELECT 1 FROM creditos c WHERE c.factura = f.factura AND c.numero = 1 "
-                             "AND c.fecha = f.fecha)"),
+        QCOMPARE(count(m_db,
+                       "SELECT count(*) FROM Factura f WHERE credito = 1 AND NOT EXISTS "
+                       "(SELECT 1 FROM creditos c WHERE c.factura = f.factura AND c.numero = 1 "
+                       "AND c.fecha = f.fecha)"),
                  0);
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f WHERE credito = 1 AND abs(Abono - "
-                             "(SELECT sum(abono) FROM creditos c WHERE c.factura = f.factura)) > 0.005"),
+        QCOMPARE(count(m_db,
+                       "SELECT count(*) FROM Factura f WHERE credito = 1 AND abs(Abono - "
+                       "(SELECT sum(abono) FROM creditos c WHERE c.factura = f.factura)) > 0.005"),
                  0);
         QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f WHERE credito = 1 AND NOT EXISTS "
                              "(SELECT 1 FROM cxc WHERE cxc.factura = f.factura) AND "
@@ -124,10 +135,12 @@ private slots:
                  0);
         // Charged to the insurer: nothing paid now; settled ones are paid.
         QVERIFY(count(m_db, "SELECT count(*) FROM cxc") > 0);
-        QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f JOIN cxc ON cxc.factura = f.factura "
-                             "WHERE f.credito = 0 OR f.efectivo + f.tarjeta + f.cheque + f.Abono <> 0 "
-                             "OR f.pagada <> cxc.estado OR (cxc.estado = 1) <> (cxc.fecha_pago IS NOT NULL)"),
-                 0);
+        QCOMPARE(
+            count(m_db,
+                  "SELECT count(*) FROM Factura f JOIN cxc ON cxc.factura = f.factura "
+                  "WHERE f.credito = 0 OR f.efectivo + f.tarjeta + f.cheque + f.Abono <> 0 "
+                  "OR f.pagada <> cxc.estado OR (cxc.estado = 1) <> (cxc.fecha_pago IS NOT NULL)"),
+            0);
         QCOMPARE(count(m_db, "SELECT count(*) FROM Factura f WHERE (tarjeta > 0) <> EXISTS "
                              "(SELECT 1 FROM Datostarjeta t WHERE t.factura = f.factura)"),
                  0);
@@ -143,20 +156,25 @@ private slots:
         QCOMPARE(count(m_db, "SELECT sum(cantidad) FROM FacturaDetalle WHERE factura IN "
                              "(SELECT factura FROM EvaluadoTemporal)"),
                  waiting);
-        QCOMPARE(count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND factura IN "
-                             "(SELECT factura FROM EvaluadoTemporal)"),
+        QCOMPARE(count(m_db,
+                       "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND factura IN "
+                       "(SELECT factura FROM EvaluadoTemporal)"),
                  0);
         QVERIFY(count(m_db, "SELECT min(factura) FROM EvaluadoTemporal")
                 > count(m_db, "SELECT max(num_factura) FROM resultados"));
 
         // Each sheet's id ties its cells to the lines it closed, in the same invoice.
-        const qint64 sheets = count(m_db, "SELECT count(DISTINCT iduniversalformato) FROM resultados");
+        const qint64 sheets
+            = count(m_db, "SELECT count(DISTINCT iduniversalformato) FROM resultados");
         QVERIFY(sheets <= s.sheets && sheets > s.sheets * 9 / 10);
-        QCOMPARE(count(m_db, "SELECT count(DISTINCT iduniversalformato) FROM FacturaDetalle"), sheets);
-        QCOMPARE(count(m_db, "SELECT count(*) FROM FacturaDetalle d WHERE iduniversalformato IS NOT "
-                             "NULL AND (evaluado = 0 OR NOT EXISTS (SELECT 1 FROM resultados r WHERE "
-                             "r.iduniversalformato = d.iduniversalformato AND r.num_factura = d.factura))"),
-                 0);
+        QCOMPARE(count(m_db, "SELECT count(DISTINCT iduniversalformato) FROM FacturaDetalle"),
+                 sheets);
+        QCOMPARE(
+            count(m_db,
+                  "SELECT count(*) FROM FacturaDetalle d WHERE iduniversalformato IS NOT "
+                  "NULL AND (evaluado = 0 OR NOT EXISTS (SELECT 1 FROM resultados r WHERE "
+                  "r.iduniversalformato = d.iduniversalformato AND r.num_factura = d.factura))"),
+            0);
         QCOMPARE(count(m_db, "SELECT count(*) FROM (SELECT num_factura FROM resultados GROUP BY "
                              "num_factura HAVING count(DISTINCT NumFormato) <> max(NumFormato))"),
                  0);
@@ -166,9 +184,14 @@ private slots:
                  count(m_db, "SELECT count(DISTINCT iduniversalformato) FROM resultados WHERE "
                              "Cod_Plantilla IN (2, 3, 4)"));
         // Only the newest sheets are still to print.
-        QVERIFY(count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND num_impresion = 0") > 0);
-        QVERIFY(count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND num_impresion = 0")
-                < count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1") / 20);
+        QVERIFY(
+            count(m_db,
+                  "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND num_impresion = 0")
+            > 0);
+        QVERIFY(
+            count(m_db,
+                  "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1 AND num_impresion = 0")
+            < count(m_db, "SELECT count(*) FROM FacturaDetalle WHERE evaluado = 1") / 20);
     }
 
     void theSignOnEmployeeCanEnter()
@@ -180,11 +203,12 @@ private slots:
         QVERIFY(!tq::verifyPassword(pass.columnText(0), kSignOnPassword + QLatin1Char('x')));
         while (pass.next()) {
         }
-        QCOMPARE(count(m_db, QStringLiteral("SELECT count(*) FROM usuariosmodulos m JOIN Empleados e "
-                                            "ON e.cod_empleado = m.cod_empleado WHERE e.usuario = '%1' "
-                                            "AND m.cod_modulo = 1")
-                                 .arg(kSignOnUser)),
-                 1);
+        QCOMPARE(
+            count(m_db, QStringLiteral("SELECT count(*) FROM usuariosmodulos m JOIN Empleados e "
+                                       "ON e.cod_empleado = m.cod_empleado WHERE e.usuario = '%1' "
+                                       "AND m.cod_modulo = 1")
+                            .arg(kSignOnUser)),
+            1);
         QCOMPARE(count(m_db, "SELECT count(*) FROM Empleados WHERE usuario <> 'admin' AND "
                              "Password NOT LIKE '$argon2id$%'"),
                  0);
