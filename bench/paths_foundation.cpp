@@ -25,6 +25,18 @@ public:
     }
 };
 
+// A report source as the screens open it before showing its report: closed
+// if open, opened, narrowed by the screen's filter.
+tq::Recordset& openFiltered(const QString& command, const QString& filter)
+{
+    tq::Recordset& rs = tq::amb1().rs(command);
+    if (rs.isOpen())
+        rs.close();
+    rs.open();
+    rs.setFilter(filter);
+    return rs;
+}
+
 // Reads a row's fields as a print-out does.
 void readFields(const tq::Recordset& rs, const QStringList& names)
 {
@@ -113,11 +125,8 @@ void addFoundationPaths(Bench& bench, const Context& c)
                                             QStringLiteral("FacturaDetalle.factura = ?"));
     bench.add({.name = QStringLiteral("rsrfact1, one invoice"),
                .run = [c] {
-                   tq::Recordset& rs = tq::amb1().rs(QStringLiteral("rsrfact1"));
-                   if (rs.isOpen())
-                       rs.close();
-                   rs.open();
-                   rs.setFilter(QStringLiteral("factura = %1").arg(c.invoice));
+                   tq::Recordset& rs = openFiltered(QStringLiteral("rsrfact1"),
+                                                    QStringLiteral("factura = %1").arg(c.invoice));
                    qint64 seen = 0;
                    for (rs.moveFirst(); !rs.eof(); rs.moveNext(), ++seen) {
                        readFields(rs, kInvoiceHeader);
@@ -137,12 +146,9 @@ void addFoundationPaths(Bench& bench, const Context& c)
                                           QStringLiteral("Factura.fecha = ?"));
     bench.add({.name = QStringLiteral("rsrcorte_Grouping, one day"),
                .run = [c] {
-                   tq::Recordset& rs = tq::amb1().rs(QStringLiteral("rsrcorte_Grouping"));
-                   if (rs.isOpen())
-                       rs.close();
-                   rs.open();
-                   rs.setFilter(QStringLiteral("fecha = ")
-                                + c.cutDay.toString(QStringLiteral("dd/MM/yyyy")));
+                   tq::Recordset& rs = openFiltered(
+                       QStringLiteral("rsrcorte_Grouping"),
+                       QStringLiteral("fecha = ") + c.cutDay.toString(QStringLiteral("dd/MM/yyyy")));
                    qint64 seen = 0;
                    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
                        readFields(rs, {QStringLiteral("fecha"), QStringLiteral("anulada")});

@@ -31,7 +31,7 @@ namespace {
 
 // Raise when the fill changes, so that stores made by an earlier fill are
 // made again.
-constexpr int kFillVersion = 2;
+constexpr int kFillVersion = 3;
 
 // splitmix64: the same numbers on every machine and standard library.
 class Rng {
@@ -1011,23 +1011,25 @@ private:
             return QString::number(lo + (hi - lo) * m_rng.unit(), 'f', decimals);
         };
         switch (plantilla) {
-        case 2:
-            put(QStringLiteral("B1"), number(4.0, 5.8, 2));
-            put(QStringLiteral("B2"), number(11.5, 17.0, 1));
-            put(QStringLiteral("B3"), number(35, 52, 0));
-            put(QStringLiteral("B4"), number(80, 98, 0));
-            put(QStringLiteral("B5"), number(27, 33, 0));
-            put(QStringLiteral("B6"), number(32, 36, 0));
-            put(QStringLiteral("B7"), number(150000, 420000, 0));
-            put(QStringLiteral("E1"), number(4500, 12000, 0));
-            put(QStringLiteral("E2"), number(45, 75, 0));
-            put(QStringLiteral("E3"), number(20, 45, 0));
-            put(QStringLiteral("E4"), number(2, 8, 0));
-            put(QStringLiteral("E5"), number(1, 4, 0));
-            put(QStringLiteral("E6"), QStringLiteral("0"));
+        case 2: {
+            // Red cells in the first column, white cells in the second.
+            struct Reading {
+                const char* celda;
+                double lo, hi;
+                int decimals;
+            };
+            const Reading readings[] = {
+                {"B1", 4.0, 5.8, 2},   {"B2", 11.5, 17.0, 1},      {"B3", 35, 52, 0},
+                {"B4", 80, 98, 0},     {"B5", 27, 33, 0},          {"B6", 32, 36, 0},
+                {"B7", 150000, 420000, 0},
+                {"E1", 4500, 12000, 0}, {"E2", 45, 75, 0},         {"E3", 20, 45, 0},
+                {"E4", 2, 8, 0},       {"E5", 1, 4, 0},            {"E6", 0, 1, 0}};
+            for (const Reading& r : readings)
+                put(S(r.celda), number(r.lo, r.hi, r.decimals));
             put(QStringLiteral("W"),
                 m_rng.chance(0.1) ? QStringLiteral("Muestra hemolizada levemente") : QString(""));
             break;
+        }
         case 3: {
             const char* const physical[] = {"Amarillo", "Claro", "1.020", "6.0"};
             for (int r = 0; r < 4; ++r)
