@@ -7,7 +7,7 @@ namespace {
 [[noreturn]] void fail(sqlite3* db, const QString& what)
 {
     throw StoreError(QStringLiteral("%1: %2")
-                         .arg(what, QString::fromUtf8(db ? sqlite3_errmsg(db) : "sin conexión"))
+                         .arg(what, QString::fromUtf8(db ? sqlite3_errmsg(db) : "no connection"))
                          .toStdString());
 }
 
@@ -18,9 +18,9 @@ sqlite3* openBare(const QString& path, bool readOnly)
     sqlite3* db = nullptr;
     const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (sqlite3_open_v2(path.toUtf8().constData(), &db, flags, nullptr) != SQLITE_OK) {
-        const QString why = QString::fromUtf8(db ? sqlite3_errmsg(db) : "sin memoria");
+        const QString why = QString::fromUtf8(db ? sqlite3_errmsg(db) : "out of memory");
         sqlite3_close(db);
-        throw StoreError(QStringLiteral("No se pudo abrir %1: %2").arg(path, why).toStdString());
+        throw StoreError(QStringLiteral("cannot open %1: %2").arg(path, why).toStdString());
     }
     sqlite3_busy_timeout(db, 5000);
     return db;

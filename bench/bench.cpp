@@ -49,7 +49,7 @@ Timed timeInProcess(const Work& work)
         const qint64 seen = work();
         t.ms.push_back(clock.nsecsElapsed() / 1e6);
         if (seen != t.items)
-            throw std::runtime_error("dos corridas del mismo camino vieron cosas distintas");
+            throw std::runtime_error("two runs of the same path saw different things");
     }
     return t;
 }
@@ -125,7 +125,7 @@ Outcome Bench::measure(const Path& path)
         o.problem = QString::fromLocal8Bit(e.what());
     }
     if (o.problem.isEmpty() && !promptsSeen().isEmpty())
-        o.problem = QStringLiteral("la pantalla avisó: ") + promptsSeen().first();
+        o.problem = QStringLiteral("the screen said: ") + promptsSeen().first();
     // The next path finds the store as a user would: no transaction left open.
     tq::rollbackOpenTransaction();
     return o;
@@ -187,7 +187,7 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments)
     clock.start();
     child.start(program, arguments);
     if (!child.waitForStarted(10000))
-        throw std::runtime_error(QStringLiteral("no arrancó %1: %2")
+        throw std::runtime_error(QStringLiteral("%1 did not start: %2")
                                      .arg(program, child.errorString())
                                      .toStdString());
     while (!child.canReadLine()) {
@@ -195,7 +195,7 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments)
             child.kill();
             child.waitForFinished(5000);
             throw std::runtime_error(
-                QStringLiteral("%1 no mostró su ventana: %2")
+                QStringLiteral("%1 showed no window: %2")
                     .arg(program, QString::fromLocal8Bit(child.readAllStandardError()))
                     .toStdString());
         }
@@ -208,7 +208,7 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments)
         child.waitForFinished(5000);
     }
     if (!number)
-        throw std::runtime_error(QStringLiteral("%1 no escribió sus milisegundos de inicio")
+        throw std::runtime_error(QStringLiteral("%1 printed no start-up milliseconds")
                                      .arg(program)
                                      .toStdString());
     return us;
@@ -229,11 +229,11 @@ QString narrowedSource(const QString& command, const QString& child, const QStri
     }
     if (!shape)
         throw std::runtime_error(
-            QStringLiteral("%1 %2 no tiene una forma guardada").arg(command, child).toStdString());
+            QStringLiteral("%1 %2 has no stored shape").arg(command, child).toStdString());
     QString sql = shape->sql;
     if (!sql.contains(QLatin1String(" WHERE "), Qt::CaseInsensitive))
         throw std::runtime_error(
-            QStringLiteral("la consulta de %1 no tiene WHERE").arg(command).toStdString());
+            QStringLiteral("the source of %1 has no WHERE").arg(command).toStdString());
     const int order = sql.lastIndexOf(QLatin1String(" ORDER BY "), -1, Qt::CaseInsensitive);
     const QString narrowing = QStringLiteral(" AND ") + condition;
     if (order >= 0)

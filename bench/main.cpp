@@ -118,9 +118,9 @@ int main(int argc, char** argv)
         tq::amb1().closeStore();
         return met ? 0 : 1;
     } catch (const tq::AppError& e) {
-        out << "El banco de tiempos no pudo correr: " << e.message() << Qt::endl;
+        out << "The benchmark could not run: " << e.message() << Qt::endl;
     } catch (const std::exception& e) {
-        out << "El banco de tiempos no pudo correr: " << e.what() << Qt::endl;
+        out << "The benchmark could not run: " << e.what() << Qt::endl;
     }
     return 2;
 }

@@ -146,9 +146,9 @@ void addFoundationPaths(Bench& bench, const Context& c)
                                           QStringLiteral("Factura.fecha = ?"));
     bench.add({.name = QStringLiteral("rsrcorte_Grouping, one day"),
                .run = [c] {
-                   tq::Recordset& rs = openFiltered(
-                       QStringLiteral("rsrcorte_Grouping"),
-                       QStringLiteral("fecha = ") + c.cutDay.toString(QStringLiteral("dd/MM/yyyy")));
+                   const QString day = c.cutDay.toString(QStringLiteral("dd/MM/yyyy"));
+                   tq::Recordset& rs = openFiltered(QStringLiteral("rsrcorte_Grouping"),
+                                                    QStringLiteral("fecha = ") + day);
                    qint64 seen = 0;
                    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
                        readFields(rs, {QStringLiteral("fecha"), QStringLiteral("anulada")});

@@ -1160,7 +1160,7 @@ LargeStore largeStore(const QString& benchDir, bool rebuild)
         for (const QString& o : old)
             QDir(QDir(benchDir).filePath(o)).removeRecursively();
         if (!QDir().mkpath(s.folder))
-            throw StoreError(QStringLiteral("No se pudo crear %1").arg(s.folder).toStdString());
+            throw StoreError(QStringLiteral("cannot create %1").arg(s.folder).toStdString());
         // Made under another name and renamed when complete: lab.db exists
         // only once the whole fill is in it.
         const QString making = s.path + QStringLiteral(".llenando");
@@ -1170,7 +1170,7 @@ LargeStore largeStore(const QString& benchDir, bool rebuild)
         tq::amb1().closeStore();
         fillStore(making, Sizes{});
         if (!QFile::rename(making, s.path))
-            throw StoreError(QStringLiteral("No se pudo renombrar %1").arg(making).toStdString());
+            throw StoreError(QStringLiteral("cannot rename %1").arg(making).toStdString());
         s.fillSeconds = clock.elapsed() / 1000.0;
     }
     s.bytes = QFileInfo(s.path).size();
