@@ -31,7 +31,7 @@ namespace {
 
 // Raise when the fill changes, so that stores made by an earlier fill are
 // made again.
-constexpr int kFillVersion = 3;
+constexpr int kFillVersion = 4;
 
 // splitmix64: the same numbers on every machine and standard library.
 class Rng {
@@ -303,6 +303,9 @@ const char* const kSupplyItems[][2] = {
 const char* const kBrands[] = {"BD", "Greiner", "Vacutest", "Roche", "Wiener Lab", "Spinreact",
                                "Human", "BioSystems", "Linear", "Randox"};
 
+// Every value that draws on the generator is drawn in a statement of its
+// own, never two in one list of arguments, so that the store doesn't depend
+// on the order in which a compiler evaluates them.
 class Filler {
 public:
     Filler(sqlite3* db, const Sizes& sizes) : m_db(db), m_sizes(sizes), m_rng(20240102) {}
@@ -355,7 +358,16 @@ private:
     }
     QString surnames()
     {
-        return S(m_rng.pick(kSurnames)) + QLatin1Char(' ') + S(m_rng.pick(kSurnames));
+        const QString first = S(m_rng.pick(kSurnames));
+        return first + QLatin1Char(' ') + S(m_rng.pick(kSurnames));
+    }
+    // A value for a share of the rows only; the others store nothing.
+    template <typename Make>
+    auto maybe(double share, Make make) -> std::optional<decltype(make())>
+    {
+        if (!m_rng.chance(share))
+            return std::nullopt;
+        return make();
     }
     std::int64_t lastKey() const { return sqlite3_last_insert_rowid(m_db); }
 
@@ -396,8 +408,10 @@ private:
             const QString password =
                 i == 0 ? kSignOnPassword : QStringLiteral("%1-%2").arg(usuario).arg(1000 + i * 37);
             const QDate hired = kFirstDay.addYears(-10).addDays(m_rng.below(365 * 11));
-            insert.row(nombre, apellido, address(), std::optional<QString>(),
-                       phone("9383"), hired, i < 3 ? 1 : 2, usuario, tq::hashPassword(password));
+            const QString direccion = address();
+            const QString cel = phone("9383");
+            insert.row(nombre, apellido, direccion, std::optional<QString>(), cel, hired,
+                       i < 3 ? 1 : 2, usuario, tq::hashPassword(password));
             const int code = int(lastKey());
             for (int module = 1; module <= 3; ++module)
                 right.row(module, code);
@@ -471,15 +485,14 @@ private:
         m_insurerPrice.assign(count + 1, std::vector<double>(m_exams.size(), 0.0));
         for (int s = 1; s <= count; ++s) {
             const bool woman = m_rng.chance(0.5);
-            insurer.row(s, S(kInsurers[s - 1][0]),
-                        QStringLiteral("Lic. %1 %2")
-                            .arg(givenNames(woman, false),
-                                 S(m_rng.pick(kSurnames))),
-                        phone("2"), S(kInsurers[s - 1][1]),
-                        QStringLiteral("%1-%2-%3")
-                            .arg(m_rng.between(100, 999))
-                            .arg(m_rng.between(100000, 999999))
-                            .arg(m_rng.below(10)));
+            const QString contacto = QStringLiteral("Lic. ") + givenNames(woman, false);
+            const QString contact = contacto + QLatin1Char(' ') + S(m_rng.pick(kSurnames));
+            const QString tel = phone("2");
+            const QString cuenta = QStringLiteral("%1-%2-%3")
+                                       .arg(m_rng.between(100, 999))
+                                       .arg(m_rng.between(100000, 999999))
+                                       .arg(m_rng.below(10));
+            insurer.row(s, S(kInsurers[s - 1][0]), contact, tel, S(kInsurers[s - 1][1]), cuenta);
             // Each insurer pays its own share of the list price and leaves a
             // few exams out of its list.
             const double factor = 0.75 + 0.01 * m_rng.below(21);
@@ -507,16 +520,14 @@ private:
             const QString nombre = givenNames(woman, true);
             const QString apellido = surnames();
             const int rate = m_rng.pick(rates);
-            insert.row(
-                nombre, apellido,
-                QStringLiteral("%1, %2").arg(S(m_rng.pick(places)), S(m_rng.pick(kNeighbourhoods))),
-                phone("2"),
-                m_rng.chance(0.6)
-                    ? std::optional<QString>(mailName(nombre.section(QLatin1Char(' '), 0, 0).left(1)
-                                                      + apellido.section(QLatin1Char(' '), 0, 0))
-                                             + QStringLiteral("@medicoshn.com"))
-                    : std::nullopt,
-                rate);
+            const QString place = S(m_rng.pick(places));
+            const QString dir = place + QStringLiteral(", ") + S(m_rng.pick(kNeighbourhoods));
+            const QString tel = phone("2");
+            const auto correo = maybe(0.6, [&] {
+                return mailName(nombre.left(1) + apellido.section(QLatin1Char(' '), 0, 0))
+                       + QStringLiteral("@medicoshn.com");
+            });
+            insert.row(nombre, apellido, dir, tel, correo, rate);
             m_doctorRate.push_back(rate);
         }
     }
@@ -542,18 +553,19 @@ private:
             p.insurer = p.insured ? 1 + m_rng.below(insurerCount) : 0;
             p.fullName = nombre + QLatin1Char(' ') + apellido;
             const bool teen = age >= 12 && age < 16;
+            const auto tel = maybe(0.4, [&] { return phone("2"); });
+            const auto cel = maybe(0.85, [&] { return phone("9383"); });
+            const QString direccion = address();
+            const auto correo = maybe(0.15, [&] {
+                return mailName(nombre.section(QLatin1Char(' '), 0, 0) + QLatin1Char(' ')
+                                + apellido.section(QLatin1Char(' '), 0, 0))
+                       + QStringLiteral("@correo.hn");
+            });
+            const auto fax = maybe(0.01, [&] { return phone("2"); });
+            const bool adult = teen && m_rng.chance(0.2);
             insert.row(nombre, apellido,
                        woman ? QStringLiteral("Femenino") : QStringLiteral("Masculino"), p.birth,
-                       m_rng.chance(0.4) ? std::optional<QString>(phone("2")) : std::nullopt,
-                       m_rng.chance(0.85) ? std::optional<QString>(phone("9383")) : std::nullopt,
-                       address(),
-                       m_rng.chance(0.15) ? std::optional<QString>(
-                           mailName(nombre.section(QLatin1Char(' '), 0, 0) + QLatin1Char(' ')
-                                    + apellido.section(QLatin1Char(' '), 0, 0))
-                           + QStringLiteral("@correo.hn"))
-                                          : std::nullopt,
-                       m_rng.chance(0.01) ? std::optional<QString>(phone("2")) : std::nullopt,
-                       p.insured, teen && m_rng.chance(0.2), p.insurer);
+                       tel, cel, direccion, correo, fax, p.insured, adult, p.insurer);
             m_patients.push_back(p);
         }
     }
@@ -620,10 +632,12 @@ private:
         const char* const kinds[] = {"Distribuidora", "Droguería", "Importadora", "Suministros"};
         for (int p = 1; p <= m_sizes.suppliers; ++p) {
             const QString surname = S(m_rng.pick(kSurnames));
-            supplier.row(p, QStringLiteral("%1 %2").arg(S(m_rng.pick(kinds)), surname),
-                         QStringLiteral("Ing. %1 %2")
-                             .arg(givenNames(m_rng.chance(0.5), false), S(m_rng.pick(kSurnames))),
-                         address(), phone("2"),
+            const QString name = S(m_rng.pick(kinds)) + QLatin1Char(' ') + surname;
+            const QString contact = QStringLiteral("Ing. ") + givenNames(m_rng.chance(0.5), false);
+            const QString reference = contact + QLatin1Char(' ') + S(m_rng.pick(kSurnames));
+            const QString direccion = address();
+            const QString tel = phone("2");
+            supplier.row(p, name, reference, direccion, tel,
                          QStringLiteral("ventas@%1.hn").arg(mailName(surname)));
         }
         m_offeredBy.assign(m_sizes.suppliers + 1, {});
@@ -926,17 +940,20 @@ private:
             const double commission =
                 commissionPaid ? cents(total * m_doctorRate[inv.doctor - 1] / 100.0) : 0.0;
 
-            invoice.row(
-                number, inv.date, inv.patient + 1, m_desk[m_rng.below(int(m_desk.size()))],
-                tq::money(subTotal), extra, extra ? Written(tq::money(extraAmount)) : Written(0),
-                tq::money(total), tq::money(cash), tq::money(onCard), tq::money(cheque),
-                tq::money(abono), paid, onCredit || toInsurer,
-                tq::calculoedad(patient.birth, inv.date).text, doctor, commissionPaid,
-                commissionPaid ? Written(tq::money(commission)) : Written(0), commissionDate,
-                voided, voided ? std::optional<QString>(S(m_rng.pick(kVoidReasons))) : std::nullopt,
-                voided ? std::optional<QDate>(std::min(kLastDay, inv.date.addDays(m_rng.below(3))))
-                       : std::nullopt,
-                false, Null{});
+            const QString faturado = m_desk[m_rng.below(int(m_desk.size()))];
+            std::optional<QString> reason;
+            std::optional<QDate> voidedOn;
+            if (voided) {
+                reason = S(m_rng.pick(kVoidReasons));
+                voidedOn = std::min(kLastDay, inv.date.addDays(m_rng.below(3)));
+            }
+            invoice.row(number, inv.date, inv.patient + 1, faturado, tq::money(subTotal), extra,
+                        extra ? Written(tq::money(extraAmount)) : Written(0), tq::money(total),
+                        tq::money(cash), tq::money(onCard), tq::money(cheque), tq::money(abono),
+                        paid, onCredit || toInsurer, tq::calculoedad(patient.birth, inv.date).text,
+                        doctor, commissionPaid,
+                        commissionPaid ? Written(tq::money(commission)) : Written(0),
+                        commissionDate, voided, reason, voidedOn, false, Null{});
 
             if (toInsurer) {
                 std::optional<QString> reference;
@@ -954,11 +971,13 @@ private:
                 for (const auto& [when, amount] : laterPayments)
                     instalment.row(number, k++, when, tq::money(amount));
             }
-            if (onCard > 0)
-                card.row(number, m_rng.between(100000, 999999), patient.fullName,
+            if (onCard > 0) {
+                const int charge = m_rng.between(100000, 999999);
+                card.row(number, charge, patient.fullName,
                          QStringLiteral("0801-%1-%2")
                              .arg(patient.birth.year())
                              .arg(m_rng.between(0, 99999), 5, 10, QLatin1Char('0')));
+            }
 
             // The exams: waiting, closed by a kept sheet, or closed long ago.
             const bool waits = i >= onTable;
