@@ -9,7 +9,6 @@
 #include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
-#include "foundation/data/schema.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -18,6 +17,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QVector>
 #include <algorithm>
 #include <cmath>
@@ -1114,15 +1114,26 @@ private:
     std::vector<bool> m_voided;
 };
 
-// The store's folder carries the fill's version and the schema it was made
-// with, so that a change to either makes a new store.
+// The store's folder carries the fill's version and the tables and indexes
+// that the program makes in a new store, so that a change to either (a new
+// index among them) makes a new store.
 QString storeFolderName()
 {
+    QTemporaryDir probe;
+    if (!probe.isValid())
+        throw StoreError("cannot make a temporary folder");
+    const QString path = probe.filePath(QStringLiteral("lab.db"));
+    tq::amb1().openStore(path);
+    tq::amb1().closeStore();
+    sqlite3* db = openBare(path, true);
     QCryptographicHash hash(QCryptographicHash::Sha1);
-    for (const QString& table : tq::schema::tableNames())
-        hash.addData((table + QLatin1Char('(')
-                      + tq::schema::columnNames(table).join(QLatin1Char(',')) + QLatin1Char(')'))
-                         .toUtf8());
+    {
+        Stmt schema(db, "SELECT type, name, sql FROM sqlite_master ORDER BY type, name");
+        while (schema.next())
+            for (int c = 0; c < 3; ++c)
+                hash.addData(schema.columnText(c).toUtf8());
+    }
+    closeBare(db);
     return QStringLiteral("almacen-%1-%2")
         .arg(kFillVersion)
         .arg(QString::fromLatin1(hash.result().toHex().left(8)));
