@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QTextStream>
 #include <QWidget>
+#include <sodium.h>
 
 namespace {
 
@@ -62,6 +63,10 @@ int main(int argc, char** argv)
     const int onlyAt = args.indexOf(QStringLiteral("--only"));
     const QString only = onlyAt > 0 && onlyAt + 1 < args.size() ? args.at(onlyAt + 1) : QString();
 
+    if (sodium_init() < 0) {
+        out << "The benchmark could not run: libsodium did not start" << Qt::endl;
+        return 2;
+    }
     SilentPrompts silent;
     tq::installPrompts(&silent);
     try {
