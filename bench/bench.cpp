@@ -145,35 +145,41 @@ bool Bench::print(QTextStream& out, const std::vector<Outcome>& outcomes) const
     int width = 4;
     for (const Outcome& o : outcomes)
         width = std::max(width, int(o.name.size()));
-    out << QStringLiteral("%1  %2  %3  %4  %5")
-               .arg(QStringLiteral("path"), -width)
-               .arg(QStringLiteral("median ms"), 10)
-               .arg(QStringLiteral("floor ms"), 10)
-               .arg(QStringLiteral("ratio"), 7)
-               .arg(QStringLiteral("target"), -24)
-        << Qt::endl;
+    auto put = [&out](QString line) {
+        while (line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        out << line << Qt::endl;
+    };
+    put(QStringLiteral("%1  %2  %3  %4  %5  %6")
+            .arg(QStringLiteral("path"), -width)
+            .arg(QStringLiteral("median ms"), 10)
+            .arg(QStringLiteral("floor ms"), 10)
+            .arg(QStringLiteral("ratio"), 7)
+            .arg(QStringLiteral("runs"), 4)
+            .arg(QStringLiteral("target"), -24));
     bool allMet = true;
     for (const Outcome& o : outcomes) {
         allMet = allMet && o.ok();
         QString line = QStringLiteral("%1  ").arg(o.name, -width);
         if (!o.problem.isEmpty()) {
-            out << line << QStringLiteral("FAILED: ") << o.problem << Qt::endl;
+            put(line + QStringLiteral("FAILED: ") + o.problem);
             continue;
         }
-        line += QStringLiteral("%1  %2  %3  %4")
+        line += QStringLiteral("%1  %2  %3  %4  %5")
                     .arg(o.medianMs, 10, 'f', 2)
                     .arg(o.floorMs, 10, 'f', 2)
                     .arg(o.floorMs > 0 ? o.medianMs / o.floorMs : 0.0, 7, 'f', 2)
+                    .arg(o.runs, 4)
                     .arg(o.target, -24);
         if (!o.met)
             line += QStringLiteral("  MISSED");
         if (!o.agree)
             line += QStringLiteral("  DIFFERS: %1 seen, floor %2").arg(o.items).arg(o.floorItems);
-        out << line << Qt::endl;
+        put(line);
     }
     for (const Outcome& o : outcomes)
         if (!o.note.isEmpty())
-            out << QStringLiteral("  %1: %2").arg(o.name, o.note) << Qt::endl;
+            put(QStringLiteral("  %1: %2").arg(o.name, o.note));
     return allMet;
 }
 
