@@ -82,14 +82,7 @@ int main(int argc, char** argv)
         c.dataFolder = store.folder;
         c.bare = bare;
         c.invoice = bench::probeInvoice(sizes);
-        {
-            bench::Stmt day(bare, "SELECT fecha FROM Factura WHERE factura = ?");
-            day.bind(1, c.invoice);
-            if (day.next())
-                c.cutDay = QDate::fromString(day.columnText(0), Qt::ISODate);
-            while (day.next()) {
-            }
-        }
+        c.cutDay = bench::invoiceDay(bare, c.invoice);
         c.user = bench::kSignOnUser;
         c.password = bench::kSignOnPassword;
         c.program = QStringLiteral(TQ_BENCH_PROGRAM);

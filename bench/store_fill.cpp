@@ -1159,6 +1159,16 @@ Sizes Sizes::small()
 
 int probeInvoice(const Sizes& sizes) { return std::max(1, sizes.invoices / 2); }
 
+QDate invoiceDay(sqlite3* db, int invoice)
+{
+    Stmt day(db, "SELECT fecha FROM Factura WHERE factura = ?");
+    day.bind(1, invoice);
+    QDate date;
+    while (day.next())
+        date = QDate::fromString(day.columnText(0), Qt::ISODate);
+    return date;
+}
+
 void fillStore(const QString& path, const Sizes& sizes)
 {
     sqlite3* db = openBare(path, false);

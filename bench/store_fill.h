@@ -4,6 +4,7 @@
 // same seed always gives the same store.
 #include <QDate>
 #include <QString>
+#include <sqlite3.h>
 
 namespace bench {
 
@@ -34,6 +35,8 @@ inline const QString kSignOnPassword = QStringLiteral("Hemograma-2024");
 
 // The invoice in the middle of the store: the one printed, and whose day is cut.
 int probeInvoice(const Sizes& sizes);
+// The day of an invoice, as stored.
+QDate invoiceDay(sqlite3* db, int invoice);
 
 // Fills a store that the program has just created (schema and first-start
 // rows only) in one transaction. Throws StoreError.

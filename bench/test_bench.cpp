@@ -230,12 +230,8 @@ private slots:
                      .readAll(invoice),
                  qint64(lines.recordCount()));
 
-        Stmt day(m_db, "SELECT fecha FROM Factura WHERE factura = ?");
-        day.bind(1, invoice);
-        QVERIFY(day.next());
-        const QDate date = QDate::fromString(day.columnText(0), Qt::ISODate);
-        while (day.next()) {
-        }
+        const QDate date = invoiceDay(m_db, invoice);
+        QVERIFY(date.isValid());
         tq::Recordset& cut = tq::amb1().rs(QStringLiteral("rsrcorte_Grouping"));
         cut.open();
         cut.setFilter(QStringLiteral("fecha = ") + date.toString(QStringLiteral("dd/MM/yyyy")));
