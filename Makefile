@@ -29,8 +29,10 @@ test: build
 
 # Times every path a user waits on against the same SQL run bare, on a large
 # store made once in $(BUILD)/bench/; fails when a path misses its target.
+# ARGS="--only TEXT" times only the paths whose name holds TEXT; "--rebuild"
+# makes the store again.
 bench: build
-	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ./bench/tarvenquil_bench
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ./bench/tarvenquil_bench $(ARGS)
 
 clean:
 	rm -rf $(BUILD)

@@ -1,0 +1,252 @@
+#include "bench.h"
+
+#include "foundation/base/apperror.h"
+#include "foundation/data/amb1.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTextStream>
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+
+namespace bench {
+
+namespace {
+
+// Each side runs at least this often, and on until it has spent its budget.
+constexpr int kMinRuns = 5;
+constexpr int kMaxRuns = 31;
+constexpr qint64 kBudgetNs = 1'500'000'000;
+// Whole processes: this many of each, taken in turn.
+constexpr int kProcessRuns = 21;
+
+double median(std::vector<double> v)
+{
+    if (v.empty())
+        return 0;
+    std::sort(v.begin(), v.end());
+    const std::size_t m = v.size() / 2;
+    return v.size() % 2 ? v[m] : (v[m - 1] + v[m]) / 2;
+}
+
+struct Timed {
+    std::vector<double> ms;
+    qint64 items = 0;
+};
+
+Timed timeInProcess(const Work& work)
+{
+    Timed t;
+    t.items = work();   // warm: the store's pages are read once before timing
+    QElapsedTimer budget;
+    budget.start();
+    while (int(t.ms.size()) < kMaxRuns
+           && (int(t.ms.size()) < kMinRuns || budget.nsecsElapsed() < kBudgetNs)) {
+        QElapsedTimer clock;
+        clock.start();
+        const qint64 seen = work();
+        t.ms.push_back(clock.nsecsElapsed() / 1e6);
+        if (seen != t.items)
+            throw std::runtime_error("two runs of the same path saw different things");
+    }
+    return t;
+}
+
+}  // namespace
+
+Target Target::withinFloor() { return Target{}; }
+
+Target Target::startUp()
+{
+    Target t;
+    t.kind = Kind::StartUp;
+    t.ratio = 1.2;
+    return t;
+}
+
+bool Target::met(double medianMs, double floorMs) const
+{
+    if (kind == Kind::StartUp)
+        return medianMs <= ratio * floorMs;
+    return medianMs <= ceilingMs && medianMs <= std::max(ratio * floorMs, smallFloorMs);
+}
+
+QString Target::text() const
+{
+    if (kind == Kind::StartUp)
+        return QStringLiteral("<= %1x bare window").arg(ratio);
+    return QStringLiteral("<= %1 ms, <= %2x floor").arg(ceilingMs).arg(ratio);
+}
+
+void Bench::add(Path path) { m_paths.push_back(std::move(path)); }
+
+QStringList& Bench::promptsSeen()
+{
+    static QStringList seen;
+    return seen;
+}
+
+Outcome Bench::measure(const Path& path)
+{
+    Outcome o;
+    o.name = path.name;
+    o.target = path.target.text();
+    o.note = path.note;
+    promptsSeen().clear();
+    try {
+        std::vector<double> ours;
+        std::vector<double> floor;
+        if (path.wholeProcess) {
+            // Taken in turn, so that whatever else the machine does falls on both.
+            path.run();
+            path.floor();
+            for (int i = 0; i < kProcessRuns; ++i) {
+                ours.push_back(path.run() / 1000.0);
+                floor.push_back(path.floor() / 1000.0);
+            }
+        } else {
+            const Timed a = timeInProcess(path.run);
+            const Timed b = timeInProcess(path.floor);
+            ours = a.ms;
+            floor = b.ms;
+            o.items = a.items;
+            o.floorItems = b.items;
+            o.agree = a.items == b.items;
+        }
+        o.runs = int(ours.size());
+        o.medianMs = median(ours);
+        o.floorMs = median(floor);
+        o.met = path.target.met(o.medianMs, o.floorMs);
+    } catch (const tq::AppError& e) {
+        o.problem = e.message();
+    } catch (const std::exception& e) {
+        o.problem = QString::fromLocal8Bit(e.what());
+    }
+    if (o.problem.isEmpty() && !promptsSeen().isEmpty())
+        o.problem = QStringLiteral("the screen said: ") + promptsSeen().first();
+    // The next path finds the store as a user would: no transaction left open.
+    tq::rollbackOpenTransaction();
+    return o;
+}
+
+std::vector<Outcome> Bench::run(const QString& only)
+{
+    std::vector<Outcome> out;
+    for (const Path& p : m_paths)
+        if (only.isEmpty() || p.name.contains(only, Qt::CaseInsensitive))
+            out.push_back(measure(p));
+    return out;
+}
+
+bool Bench::print(QTextStream& out, const std::vector<Outcome>& outcomes) const
+{
+    int width = 4;
+    for (const Outcome& o : outcomes)
+        width = std::max(width, int(o.name.size()));
+    auto put = [&out](QString line) {
+        while (line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        out << line << Qt::endl;
+    };
+    put(QStringLiteral("%1  %2  %3  %4  %5  %6")
+            .arg(QStringLiteral("path"), -width)
+            .arg(QStringLiteral("median ms"), 10)
+            .arg(QStringLiteral("floor ms"), 10)
+            .arg(QStringLiteral("ratio"), 7)
+            .arg(QStringLiteral("runs"), 4)
+            .arg(QStringLiteral("target"), -24));
+    bool allMet = true;
+    for (const Outcome& o : outcomes) {
+        allMet = allMet && o.ok();
+        QString line = QStringLiteral("%1  ").arg(o.name, -width);
+        if (!o.problem.isEmpty()) {
+            put(line + QStringLiteral("FAILED: ") + o.problem);
+            continue;
+        }
+        line += QStringLiteral("%1  %2  %3  %4  %5")
+                    .arg(o.medianMs, 10, 'f', 2)
+                    .arg(o.floorMs, 10, 'f', 2)
+                    .arg(o.floorMs > 0 ? o.medianMs / o.floorMs : 0.0, 7, 'f', 2)
+                    .arg(o.runs, 4)
+                    .arg(o.target, -24);
+        if (!o.met)
+            line += QStringLiteral("  MISSED");
+        if (!o.agree)
+            line += QStringLiteral("  DIFFERS: %1 seen, floor %2").arg(o.items).arg(o.floorItems);
+        put(line);
+    }
+    for (const Outcome& o : outcomes)
+        if (!o.note.isEmpty())
+            put(QStringLiteral("  %1: %2").arg(o.name, o.note));
+    return allMet;
+}
+
+qint64 timeToWindow(const QString& program, const QStringList& arguments)
+{
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    child.setProcessEnvironment(env);
+    QElapsedTimer clock;
+    clock.start();
+    child.start(program, arguments);
+    if (!child.waitForStarted(10000))
+        throw std::runtime_error(QStringLiteral("%1 did not start: %2")
+                                     .arg(program, child.errorString())
+                                     .toStdString());
+    while (!child.canReadLine()) {
+        if (!child.waitForReadyRead(30000)) {
+            child.kill();
+            child.waitForFinished(5000);
+            throw std::runtime_error(
+                QStringLiteral("%1 showed no window: %2")
+                    .arg(program, QString::fromLocal8Bit(child.readAllStandardError()))
+                    .toStdString());
+        }
+    }
+    const qint64 us = clock.nsecsElapsed() / 1000;
+    bool number = false;
+    child.readLine().trimmed().toLongLong(&number);
+    if (!child.waitForFinished(10000)) {
+        child.kill();
+        child.waitForFinished(5000);
+    }
+    if (!number)
+        throw std::runtime_error(QStringLiteral("%1 printed no start-up milliseconds")
+                                     .arg(program)
+                                     .toStdString());
+    return us;
+}
+
+QString narrowedSource(const QString& command, const QString& child, const QString& condition)
+{
+    const tq::Shape* shape = nullptr;
+    for (const tq::CommandDef& def : tq::amb1().catalogue())
+        if (def.name.compare(command, Qt::CaseInsensitive) == 0)
+            shape = def.shape.get();
+    if (shape && !child.isEmpty()) {
+        const tq::Shape* parent = shape;
+        shape = nullptr;
+        for (const tq::Shape::Relation& r : parent->relations)
+            if (r.name.compare(child, Qt::CaseInsensitive) == 0)
+                shape = r.child.get();
+    }
+    if (!shape)
+        throw std::runtime_error(
+            QStringLiteral("%1 %2 has no stored shape").arg(command, child).toStdString());
+    QString sql = shape->sql;
+    if (!sql.contains(QLatin1String(" WHERE "), Qt::CaseInsensitive))
+        throw std::runtime_error(
+            QStringLiteral("the source of %1 has no WHERE").arg(command).toStdString());
+    const int order = sql.lastIndexOf(QLatin1String(" ORDER BY "), -1, Qt::CaseInsensitive);
+    const QString narrowing = QStringLiteral(" AND ") + condition;
+    if (order >= 0)
+        sql.insert(order, narrowing);
+    else
+        sql += narrowing;
+    return sql;
+}
+
+}  // namespace bench
