@@ -162,6 +162,24 @@ private slots:
         QVERIFY(!file.contains("d'ana 7"));
     }
 
+    // Salted hashes; a plain text never matches, even itself; a match is
+    // found wherever it stands among many hashes checked at once.
+    void passwordHashes()
+    {
+        const QString a = hashPassword("clave ñ"), b = hashPassword("clave ñ");
+        QVERIFY(a != b && isPasswordHash(a));
+        QVERIFY(verifyPassword(a, "clave ñ") && verifyPassword(b, "clave ñ"));
+        QVERIFY(!verifyPassword(a, "clave n") && !verifyPassword("clave ñ", "clave ñ"));
+
+        QStringList stored{"uno", QString(), ""};
+        for (int i = 0; i < 9; ++i)
+            stored << hashPassword(QString::number(i));
+        for (const char* typed : {"0", "4", "8"})
+            QVERIFY2(verifyAnyPassword(stored, typed), typed);
+        for (const char* typed : {"9", "uno", ""})
+            QVERIFY2(!verifyAnyPassword(stored, typed), typed);
+    }
+
     // A store from an earlier version keeps passwords as typed: the first
     // opening hashes them all in one go, and sign-on goes on as before.
     void plainPasswordsHashedOnOpening()

@@ -105,13 +105,13 @@ std::optional<Refusal> Form1::validate(int mode)
         // Each stored hash is checked with the name as the typed password.
         Recordset rs;
         rs.open(QStringLiteral("select password from Empleados"));
-        const QString wanted = ui->Text7->text();
-        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-            if (verifyPassword(rs.text(QStringLiteral("password")), wanted))
-                return Refusal{
-                    QStringLiteral("Debe seleccionar un nuevo usuario, el presente usuario ya existe"),
-                    ui->Text7, Icon::None};
-        }
+        QStringList stored;
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+            stored << rs.text(QStringLiteral("password"));
+        if (verifyAnyPassword(stored, ui->Text7->text()))
+            return Refusal{
+                QStringLiteral("Debe seleccionar un nuevo usuario, el presente usuario ya existe"),
+                ui->Text7, Icon::None};
     }
     // The hiring date must be a date before anything is written (a modify may
     // leave it empty).
