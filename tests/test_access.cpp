@@ -1,9 +1,13 @@
-// Password change, the administrator prompts and the database backup.
+// Passwords kept only as hashes (also in a store from an earlier version),
+// the password change, the administrator prompts and the database backup.
 #include "testsupport.h"
 
 #include "foundation/data/amb1.h"
+#include "foundation/base/apperror.h"
 #include "foundation/base/appstate.h"
+#include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
+#include "foundation/startup/accesos.h"
 #include "maintenance/backup.h"
 
 #include <QComboBox>
@@ -27,15 +31,25 @@ int addEmployee(const QString& usuario, const QString& password, int rol)
 {
     amb1().execute(QStringLiteral("INSERT INTO Empleados (nombre_empleado, apellido_empleado, "
                                   "rol, usuario, Password) VALUES (?, ?, ?, ?, ?)"),
-                   {QStringLiteral("Ana María"), QStringLiteral("Zelaya"), rol, usuario, password});
-    return amb1().lastInsertId().toInt();
+                   {QStringLiteral("Ana María"), QStringLiteral("Zelaya"), rol, usuario,
+                    hashPassword(password)});
+    return toInt32(amb1().lastInsertId());
 }
 
-QString passwordOf(int code)
+// The employee's stored password is a hash that `typed` was made from.
+bool hasPassword(int code, const QString& typed)
 {
-    return amb1()
-        .scalar(QStringLiteral("SELECT Password FROM Empleados WHERE cod_empleado = ?"), {code})
-        .toString();
+    return verifyPassword(
+        amb1()
+            .scalar(QStringLiteral("SELECT Password FROM Empleados WHERE cod_empleado = ?"), {code})
+            .toString(),
+        typed);
+}
+
+QByteArray bytesOf(const QString& file)
+{
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 int count(const QString& table)
@@ -127,7 +141,7 @@ private slots:
         QCOMPARE(sp.messages(),
                  QStringList{"La contraseña no coincide, porfavor vuelva a escribirla"});
         QCOMPARE(sp.prompts.last().icon, Icon::Critical);
-        QCOMPARE(passwordOf(ana), QString("clave1"));
+        QVERIFY(hasPassword(ana, "clave1"));
 
         // Every row with that name and password changes, with one message, the
         // apostrophe reaching the store as typed; another password keeps its own.
@@ -135,11 +149,111 @@ private slots:
         change({"ana", "clave1", "d'ana 7", "d'ana 7"});
         QCOMPARE(sp.messages(),
                  QStringList{"Su contraseña ha sido modificada satisfactoriamente"});
-        QCOMPARE(passwordOf(ana), QString("d'ana 7"));
-        QCOMPARE(passwordOf(ana2), QString("d'ana 7"));
-        QCOMPARE(passwordOf(ana3), QString("propia"));
+        QVERIFY(hasPassword(ana, "d'ana 7") && !hasPassword(ana, "clave1"));
+        QVERIFY(hasPassword(ana2, "d'ana 7"));
+        QVERIFY(hasPassword(ana3, "propia"));
         QVERIFY(clickNamed(w, "Command2"));
         QTRY_VERIFY(w.isNull());
+
+        // The new password reached the file only as its hash.
+        amb1().closeStore();
+        const QByteArray file = bytesOf(store.dbPath());
+        QVERIFY(file.contains("$argon2id$"));
+        QVERIFY(!file.contains("d'ana 7"));
+    }
+
+    // Salted hashes; a plain text never matches, even itself; a match is
+    // found wherever it stands among many hashes checked at once.
+    void passwordHashes()
+    {
+        const QString a = hashPassword("clave ñ"), b = hashPassword("clave ñ");
+        QVERIFY(a != b && isPasswordHash(a));
+        QVERIFY(verifyPassword(a, "clave ñ") && verifyPassword(b, "clave ñ"));
+        QVERIFY(!verifyPassword(a, "clave n") && !verifyPassword("clave ñ", "clave ñ"));
+
+        QStringList stored{"uno", QString(), ""};
+        for (int i = 0; i < 9; ++i)
+            stored << hashPassword(QString::number(i));
+        for (const char* typed : {"0", "4", "8"})
+            QVERIFY2(verifyAnyPassword(stored, typed), typed);
+        for (const char* typed : {"9", "uno", ""})
+            QVERIFY2(!verifyAnyPassword(stored, typed), typed);
+    }
+
+    // A store from an earlier version keeps passwords as typed: the first
+    // opening hashes them all in one go, and sign-on goes on as before.
+    void plainPasswordsHashedOnOpening()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int ana = addEmployee("ana", "x", 2);
+        addEmployee("ana", "x", 2);
+        const int nula = addEmployee("nula", "x", 2);
+        amb1().execute("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
+                       "SELECT cod_empleado, 1 FROM Empleados WHERE usuario = 'ana'");
+        // As the earlier version left them: as typed, empty, or none at all.
+        const QString typed = QStringLiteral("Año de Ana 9");
+        const auto setPassword = [](const QString& where, const QVariantList& binds) {
+            amb1().execute("UPDATE Empleados SET Password = ? WHERE " + where, binds);
+        };
+        setPassword("usuario = 'admin'", {QStringLiteral("admin")});
+        setPassword("cod_empleado = ?", {typed, ana});
+        setPassword("usuario = 'ana' AND cod_empleado <> ?", {QStringLiteral(""), ana});
+        setPassword("cod_empleado = ?", {QVariant(), nula});
+        const auto plainLeft = [] {
+            return amb1()
+                .scalar("SELECT COUNT(*) FROM Empleados WHERE Password IS NOT NULL "
+                        "AND Password NOT LIKE '$argon2id$%'")
+                .toInt();
+        };
+        QCOMPARE(plainLeft(), 3);
+
+        // A failure half-way leaves every password as it was, and says why.
+        amb1().execute("CREATE TRIGGER falla BEFORE UPDATE ON Empleados WHEN OLD.Password = '' "
+                       "BEGIN SELECT RAISE(ABORT, 'disco lleno'); END");
+        amb1().closeStore();
+        try {
+            amb1().openStore(store.dbPath());
+            QFAIL("the store opened with its passwords unprotected");
+        } catch (const DbError& e) {
+            QCOMPARE(e.message(),
+                     QString("No se pudieron proteger las contraseñas de los empleados."));
+        }
+        QVERIFY(!amb1().isOpen());
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "antigua");
+            db.setDatabaseName(store.dbPath());
+            QSqlQuery q(db);
+            QVERIFY(db.open());
+            q.prepare("SELECT COUNT(*) FROM Empleados WHERE Password IN (?, ?, ?)");
+            q.addBindValue(QStringLiteral("admin"));
+            q.addBindValue(typed);
+            q.addBindValue(QStringLiteral(""));
+            QVERIFY(q.exec() && q.next());
+            QCOMPARE(q.value(0).toInt(), 3);
+            QVERIFY(q.exec("DROP TRIGGER falla"));
+        }
+        QSqlDatabase::removeDatabase("antigua");
+
+        amb1().openStore(store.dbPath());
+        QCOMPARE(plainLeft(), 0);
+        QVERIFY(amb1().scalar("SELECT Password FROM Empleados WHERE cod_empleado = ?", {nula})
+                    .isNull());
+        const QVariant hashed =
+            amb1().scalar("SELECT Password FROM Empleados WHERE cod_empleado = ?", {ana});
+        amb1().closeStore();
+        // Not a trace of the old text in the file, free pages included.
+        QVERIFY(!bytesOf(store.dbPath()).contains(typed.toUtf8()));
+
+        // Opened again, nothing is hashed twice, and every sign-on still works.
+        amb1().openStore(store.dbPath());
+        QCOMPARE(amb1().scalar("SELECT Password FROM Empleados WHERE cod_empleado = ?", {ana}),
+                 hashed);
+        QCOMPARE(checkSignOn("admin", "admin").outcome, SignOnOutcome::Granted);
+        QCOMPARE(checkSignOn("ana", typed).matches, 1);
+        QCOMPARE(checkSignOn("ana", "").matches, 1);
+        QCOMPARE(checkSignOn("ana", typed.toLower()).outcome, SignOnOutcome::WrongPassword);
+        QVERIFY(sp.prompts.isEmpty());
     }
 
     void adminPrompts_data()

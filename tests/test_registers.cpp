@@ -2,9 +2,12 @@
 // (Fdoctores), driven by their controls on a fresh store.
 #include "testsupport.h"
 
+#include "foundation/base/passwords.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/register_screen.h"
+#include "foundation/startup/MDIForm1.h"
+#include "foundation/startup/accesos.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -25,6 +28,14 @@ QWidget* widget(QWidget* w, const QString& name) { return control<QWidget>(w, na
 QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
 
 int count(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b).toInt(); }
+
+// The employee's stored password is a hash that `typed` was made from.
+bool hasPassword(int code, const QString& typed)
+{
+    return verifyPassword(
+        amb1().scalar("SELECT Password FROM Empleados WHERE cod_empleado = ?", {code}).toString(),
+        typed);
+}
 int rowsIn(const QString& table) { return count("SELECT COUNT(*) FROM " + table); }
 
 // The first row of a query as the grid would show it, null as "NULL".
@@ -75,6 +86,29 @@ void pickEntry(QComboBox* combo, int index)
     combo->setFocus();
     for (int guard = 0; combo->currentIndex() != index && guard < 5; ++guard)
         QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
+}
+
+// Chooses the row of `code` in the list, after the row of `other` so that the
+// choice really moves, and writes `value` into `field` through "Modificar".
+// Returns the first mismatch.
+QString modifyRow(QWidget* w, ScriptedPrompts& sp, const QString& column, int other, int code,
+                  const QString& field, const QString& value)
+{
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    clickRow(grid, grid->findRow(column, other));
+    clickRow(grid, grid->findRow(column, code));
+    if (!clickNamed(w, "Command4"))
+        return "Command4 disabled";
+    retype(edit(w, field), value);
+    const QStringList shown = press(w, "Command5", sp);
+    return shown == QStringList{kModified} ? QString() : shown.join(" | ");
+}
+
+// The store's counter of the table hands out `next` as its following code.
+void setNextCode(const QString& table, const QString& column, int next)
+{
+    amb1().execute("INSERT INTO " + table + " (" + column + ") VALUES (?)", {next - 1});
+    amb1().execute("DELETE FROM " + table + " WHERE " + column + " = ?", {next - 1});
 }
 
 struct Step { QString field, message, value; };
@@ -181,10 +215,12 @@ private slots:
         retype(edit(w, "Text6"), "15/03/2024");
         QCOMPARE(press(w, "Command5", sp), QStringList());
         const int code = count("SELECT cod_empleado FROM Empleados WHERE usuario = 'lmejia'");
-        // The first password is the sign-on name; the role is the head of the entry.
-        QCOMPARE(row("SELECT Password, rol, tel_empleado, fecha_nacimiento FROM Empleados "
+        // The first password is the sign-on name, kept hashed; the role is the
+        // head of the entry.
+        QVERIFY(hasPassword(code, "lmejia"));
+        QCOMPARE(row("SELECT rol, tel_empleado, fecha_nacimiento FROM Empleados "
                      "WHERE cod_empleado = ?", {code}),
-                 (QStringList{"lmejia", "2", "NULL", "15/03/2024"}));
+                 (QStringList{"2", "NULL", "15/03/2024"}));
         QCOMPARE(row("SELECT COUNT(DISTINCT cod_modulo), MIN(cod_modulo), MAX(cod_modulo) "
                      "FROM usuariosmodulos WHERE cod_empleado = ?", {code}),
                  (QStringList{"3", "1", "3"}));
@@ -219,7 +255,7 @@ private slots:
         QCOMPARE(rowsIn("usuariosmodulos"), 3);
 
         // Once that password changed, the same usuario goes in a second time...
-        amb1().execute("UPDATE Empleados SET Password = 'n0eslamisma'");
+        amb1().execute("UPDATE Empleados SET Password = ?", {hashPassword("n0eslamisma")});
         QVERIFY(addEmployee(w, sp, e));
         QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE usuario = 'admin'"), 2);
         // ...and its own first password is "admin", so a third is refused.
@@ -267,8 +303,9 @@ private slots:
         QCOMPARE(press(w, "Command5", sp), QStringList{kModified});
         QCOMPARE(rowsIn("Empleados"), 1);
         QCOMPARE(row("SELECT nombre_empleado, apellido_empleado, tel_empleado, fecha_nacimiento, "
-                     "rol, usuario, Password FROM Empleados"),
-                 (QStringList{"", "Reyes", "9988-7766", "01/06/2019", "2", "admin", "admin"}));
+                     "rol, usuario FROM Empleados"),
+                 (QStringList{"", "Reyes", "9988-7766", "01/06/2019", "2", "admin"}));
+        QVERIFY(hasPassword(1, "admin"));
 
         // A bad date writes nothing; "Cancelar" goes back to the stored row.
         QVERIFY(clickNamed(w, "Command4"));
@@ -355,6 +392,55 @@ private slots:
         QCOMPARE(count("SELECT COUNT(*) FROM Doctores WHERE Nombre_doctor = 'Jose'"), 0);
         QCOMPARE(edit(w, "Text6")->text(), QString("0"));
         w->close();
+    }
+
+    // Codes past 16 bits: after a sign-on, an employee and a doctor numbered
+    // 40001 are added, chosen, modified and deleted beside a row of a small
+    // code, and the employee signs on with the rights kept under that code.
+    void codesPast16Bits()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int big = 40001;
+        setNextCode("Empleados", "cod_empleado", big);
+        setNextCode("Doctores", "Cod_doctor", big);
+        amb1().execute("INSERT INTO Doctores (Cod_doctor, Nombre_doctor, Apellido_doctor, "
+                       "porsentaje) VALUES (7, 'Ana', 'Flores', 5)");
+        QCOMPARE(signOn("admin", "admin"), SignOnOutcome::Granted);
+
+        QPointer<QWidget> w = openScreen("Form1");
+        auto* reg = qobject_cast<RegisterScreen*>(w.data());
+        QVERIFY(reg);
+        QVERIFY(addEmployee(w, sp, {"Lucia", "Garcia", "Centro", "", "", "01/02/2024", "lgarcia"}));
+        QCOMPARE(int(reg->selectedCode()), big);
+        QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
+        QCOMPARE(checkSignOn("lgarcia", "lgarcia").outcome, SignOnOutcome::Granted);
+        QCOMPARE(modifyRow(w, sp, "cod_empleado", 1, big, "Text2", "Garcia Paz"), QString());
+        QCOMPARE(row("SELECT cod_empleado FROM Empleados WHERE apellido_empleado = 'Garcia Paz'"),
+                 QStringList{QString::number(big)});
+        QCOMPARE(row("SELECT apellido_empleado FROM Empleados WHERE cod_empleado = 1"),
+                 QStringList{"del Sistema"});
+        QCOMPARE(deleteShownRow(w, sp, "Empleados"), QString());
+        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE cod_empleado = ?", {big}), 0);
+        w->close();
+
+        w = openScreen("Fdoctores");
+        reg = qobject_cast<RegisterScreen*>(w.data());
+        QVERIFY(reg && clickNamed(w, "Command1"));
+        retype(edit(w, "Text1"), "Mario");
+        retype(edit(w, "Text2"), "Lagos");
+        retype(edit(w, "Text6"), "12");
+        QCOMPARE(press(w, "Command5", sp), QStringList());
+        QCOMPARE(int(reg->selectedCode()), big);
+        QCOMPARE(count("SELECT Cod_doctor FROM Doctores WHERE Nombre_doctor = 'Mario'"), big);
+        QCOMPARE(modifyRow(w, sp, "Cod_doctor", 7, big, "Text6", "15"), QString());
+        QCOMPARE(row("SELECT Cod_doctor, porsentaje FROM Doctores ORDER BY Cod_doctor"),
+                 (QStringList{"7", "5"}));
+        QCOMPARE(count("SELECT porsentaje FROM Doctores WHERE Cod_doctor = ?", {big}), 15);
+        QCOMPARE(deleteShownRow(w, sp, "Doctores"), QString());
+        QCOMPARE(count("SELECT COUNT(*) FROM Doctores WHERE Cod_doctor = ?", {big}), 0);
+        w->close();
+        MDIForm1::instance()->close();
     }
 };
 

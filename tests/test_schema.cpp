@@ -3,6 +3,7 @@
 // connection of its own, not on amb1.
 #include "testsupport.h"
 
+#include "foundation/base/passwords.h"
 #include "foundation/data/demo.h"
 #include "foundation/ui/errors.h"
 #include "foundation/data/schema.h"
@@ -149,9 +150,10 @@ private slots:
         QCOMPARE(column("SELECT Cod_Plantilla FROM Plantilla ORDER BY Cod_Plantilla"),
                  (QStringList{"1", "2", "3", "4", "5", "6"}));
         QCOMPARE(count("SELECT COUNT(*) FROM formatoblanco"), 6);
-        // The administrator admin/admin with modules 1 to 3.
-        QCOMPARE(column("SELECT rol || '/' || Password FROM Empleados WHERE usuario = 'admin'"),
-                 QStringList{"1/admin"});
+        // The administrator admin/admin, the password kept hashed, with modules 1 to 3.
+        QCOMPARE(column("SELECT rol FROM Empleados WHERE usuario = 'admin'"), QStringList{"1"});
+        QVERIFY(tq::verifyPassword(
+            scalar("SELECT Password FROM Empleados WHERE usuario = 'admin'").toString(), "admin"));
         QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos, Empleados WHERE usuario = 'admin' "
                        "AND usuariosmodulos.cod_empleado = Empleados.cod_empleado "
                        "AND cod_modulo IN (1, 2, 3)"), 3);
@@ -255,6 +257,15 @@ private slots:
         QVERIFY(priced.size() >= 3);
         for (const QString& n : priced)
             QVERIFY(n.toInt() > exams / 2 && n.toInt() < exams);
+
+        // Its front-desk users sign on with their name, kept hashed.
+        const QStringList users = column("SELECT usuario FROM Empleados WHERE rol = 2");
+        QVERIFY(users.size() >= 2);
+        for (const QString& u : users)
+            QVERIFY2(tq::verifyPassword(
+                         scalar("SELECT Password FROM Empleados WHERE usuario = ?", {u}).toString(),
+                         u),
+                     qPrintable(u));
 
         // A second run is refused and adds nothing.
         QVERIFY_THROWS_EXCEPTION(tq::AppError, tq::fillDemo(db()));

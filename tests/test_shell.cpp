@@ -4,6 +4,7 @@
 
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
+#include "foundation/base/passwords.h"
 #include "foundation/ui/registry.h"
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/MDIForm1.h"
@@ -64,7 +65,8 @@ void addEmployee(const QString& usuario, const QVariant& password, int rol,
                  const QList<int>& modules = {1, 2, 3})
 {
     amb1().execute("INSERT INTO Empleados (nombre_empleado, apellido_empleado, rol, usuario, "
-                   "Password) VALUES ('Nombre', 'Apellido', ?, ?, ?)", {rol, usuario, password});
+                   "Password) VALUES ('Nombre', 'Apellido', ?, ?, ?)",
+                   {rol, usuario, hashPassword(password.toString())});
     const QVariant code = amb1().scalar("SELECT max(cod_empleado) FROM Empleados");
     for (int m : modules)
         amb1().execute("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) VALUES (?, ?)",

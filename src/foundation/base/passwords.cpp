@@ -4,6 +4,12 @@
 
 #include <sodium.h>
 
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+#include <vector>
+
 namespace tq {
 
 namespace {
@@ -13,6 +19,7 @@ namespace {
 // every stored password, stays under a second for fifty employees.
 constexpr unsigned long long kOpsLimit = 3;
 constexpr size_t kMemLimit = 12u * 1024u * 1024u;
+constexpr std::size_t kMaxWorkers = 4;
 
 void ensureSodium()
 {
@@ -45,6 +52,43 @@ bool verifyPassword(const QString& stored, const QString& typed)
     return crypto_pwhash_str_verify(hash.constData(), utf8.constData(),
                                     static_cast<unsigned long long>(utf8.size()))
            == 0;
+}
+
+bool verifyAnyPassword(const QStringList& stored, const QString& typed)
+{
+    ensureSodium();
+    // Everything the workers read is made here, before they start.
+    std::vector<QByteArray> hashes;
+    for (const QString& s : stored)
+        if (isPasswordHash(s))
+            hashes.push_back(s.toLatin1());
+    if (hashes.empty())
+        return false;
+    const QByteArray utf8 = typed.toUtf8();
+
+    std::atomic<std::size_t> next{0};
+    std::atomic<bool> found{false};
+    const auto work = [&] {
+        for (std::size_t i = 0; !found && (i = next++) < hashes.size();)
+            if (crypto_pwhash_str_verify(hashes[i].constData(), utf8.constData(),
+                                         static_cast<unsigned long long>(utf8.size()))
+                == 0)
+                found = true;
+    };
+    // Each check holds 12 MiB while it runs, so a few cores at most.
+    const std::size_t cores =
+        std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMaxWorkers);
+    std::vector<std::thread> helpers;
+    try {
+        for (std::size_t n = 1; n < std::min(cores, hashes.size()); ++n)
+            helpers.emplace_back(work);
+    } catch (const std::system_error&) {
+        // No thread to spare: the helpers that did start and this thread share the work.
+    }
+    work();
+    for (std::thread& t : helpers)
+        t.join();
+    return found;
 }
 
 bool isPasswordHash(const QString& stored)

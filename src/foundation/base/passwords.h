@@ -3,6 +3,7 @@
 // (libsodium), and every rule that compares passwords verifies the typed text
 // against the stored hash. Nothing here prints or logs a password or a hash.
 #include <QString>
+#include <QStringList>
 
 namespace tq {
 
@@ -14,6 +15,12 @@ QString hashPassword(const QString& typed);
 // True when `typed` is the password that `stored` was made from. A stored
 // value that isn't a hash of ours never matches.
 bool verifyPassword(const QString& stored, const QString& typed);
+
+// True when `typed` is the password of any of the stored values. The checks
+// are spread over a few of the machine's cores and stop at the first match:
+// the employee screen holds a new sign-on name against every employee's hash,
+// and the user waits for all of them. The caller's thread waits until done.
+bool verifyAnyPassword(const QStringList& stored, const QString& typed);
 
 // True when the stored value is a hash of ours (a store made by an earlier
 // version kept passwords as typed; those are hashed when the store is opened).

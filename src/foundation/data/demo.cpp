@@ -3,6 +3,7 @@
 #include "foundation/data/schema.h"
 
 #include "foundation/base/apperror.h"
+#include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
 
 #include <QDate>
@@ -11,6 +12,7 @@
 #include <QSqlQuery>
 #include <QVariant>
 #include <cmath>
+#include <cstdint>
 
 namespace tq {
 
@@ -35,17 +37,18 @@ public:
     }
 
     // Key of a row just added under a store counter.
-    int counterKey(const QVariant& fromDriver, const QString& table, const QString& column)
+    std::int32_t counterKey(const QVariant& fromDriver, const QString& table,
+                            const QString& column)
     {
         if (fromDriver.isValid() && !fromDriver.isNull())
-            return fromDriver.toInt();
-        return scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table)).toInt();
+            return toInt32(fromDriver);
+        return toInt32(scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table)));
     }
 
-    int nextCode(const QString& table, const QString& column)
+    std::int32_t nextCode(const QString& table, const QString& column)
     {
-        return scalar(QStringLiteral("SELECT COALESCE(MAX(%1), 0) + 1 FROM %2").arg(column, table))
-            .toInt();
+        return toInt32(
+            scalar(QStringLiteral("SELECT COALESCE(MAX(%1), 0) + 1 FROM %2").arg(column, table)));
     }
 
 private:
@@ -290,7 +293,8 @@ const Parameter kQuimica[] = {
 // Adds the parameters of one template that has no version yet, each name
 // once in the catalogue, with its normal values.
 template <std::size_t N>
-void addTemplate(Writer& w, QHash<QString, int>& codes, int plantilla, const Parameter (&params)[N])
+void addTemplate(Writer& w, QHash<QString, std::int32_t>& codes, int plantilla,
+                 const Parameter (&params)[N])
 {
     if (w.scalar(QStringLiteral("SELECT COUNT(*) FROM PlantillaParametro WHERE Cod_Plantilla = ?"),
                  {plantilla})
@@ -304,9 +308,9 @@ void addTemplate(Writer& w, QHash<QString, int>& codes, int plantilla, const Par
             const QVariant existing = w.scalar(
                 QStringLiteral("SELECT cod_parametro FROM parametros WHERE parametro = ?"), {name});
             if (existing.isValid() && !existing.isNull()) {
-                codes.insert(name, existing.toInt());
+                codes.insert(name, toInt32(existing));
             } else {
-                const int code = w.nextCode(QStringLiteral("parametros"),
+                const std::int32_t code = w.nextCode(QStringLiteral("parametros"),
                                             QStringLiteral("cod_parametro"));
                 const QString unidad = S(p.unidad);
                 w.run(QStringLiteral("INSERT INTO parametros (cod_parametro, parametro, unidad) "
@@ -351,14 +355,14 @@ void fill(Writer& w)
               lab);
 
     // Exam types and exams.
-    QList<int> typeCodes;
+    QList<std::int32_t> typeCodes;
     for (const char* t : kTypes) {
         const QVariant id =
             w.run(QStringLiteral("INSERT INTO TipoExamen (tipo_examen) VALUES (?)"), {S(t)});
         typeCodes << w.counterKey(id, QStringLiteral("TipoExamen"),
                                   QStringLiteral("cod_tipo_examen"));
     }
-    QList<int> examCodes;
+    QList<std::int32_t> examCodes;
     for (const Exam& e : kExams) {
         // "Precio Otros" is the list offered to clinics and companies that send patients.
         const double otros = roundToFive(e.precio * 0.9);
@@ -372,10 +376,11 @@ void fill(Writer& w)
     }
 
     // Insurers, each with its price list for most exams.
-    QList<int> insurerCodes;
+    QList<std::int32_t> insurerCodes;
     int k = 0;
     for (const Insurer& s : kInsurers) {
-        const int code = w.nextCode(QStringLiteral("seguros"), QStringLiteral("Cod_Seguro"));
+        const std::int32_t code =
+            w.nextCode(QStringLiteral("seguros"), QStringLiteral("Cod_Seguro"));
         w.run(QStringLiteral("INSERT INTO seguros (Cod_Seguro, Empresa, Contacto, Tel, Banco, "
                              "Cuenta) VALUES (?, ?, ?, ?, ?, ?)"),
               {code, S(s.empresa), S(s.contacto), S(s.tel), S(s.banco), S(s.cuenta)});
@@ -407,7 +412,8 @@ void fill(Writer& w)
                insured, p.adulto, insured ? insurerCodes.at(p.seguro - 1) : 0});
     }
 
-    // Front-desk staff: limited users whose first password is their sign-on name.
+    // Front-desk staff: limited users whose first password is their sign-on
+    // name, stored hashed as the employee screen stores it.
     for (const Employee& e : kEmployees) {
         const QString usuario = S(e.usuario);
         if (w.scalar(QStringLiteral("SELECT COUNT(*) FROM Empleados WHERE usuario = ?"), {usuario})
@@ -419,8 +425,8 @@ void fill(Writer& w)
                            "direccion_empleado, tel_empleado, cel_empleado, fecha_nacimiento, rol, "
                            "usuario, Password) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
             {S(e.nombre), S(e.apellido), S(e.direccion), S(e.tel), S(e.cel), QDate(e.y, e.m, e.d),
-             2, usuario, usuario});
-        const int code =
+             2, usuario, hashPassword(usuario)});
+        const std::int32_t code =
             w.counterKey(id, QStringLiteral("Empleados"), QStringLiteral("cod_empleado"));
         for (int modulo = 1; modulo <= 3; ++modulo)
             w.run(QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
@@ -429,7 +435,7 @@ void fill(Writer& w)
     }
 
     // Parameters, normal values and the first version of the grid templates.
-    QHash<QString, int> codes;
+    QHash<QString, std::int32_t> codes;
     addTemplate(w, codes, 2, kHematologia);
     addTemplate(w, codes, 3, kUroanalisis);
     addTemplate(w, codes, 4, kQuimica);

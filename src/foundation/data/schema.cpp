@@ -1,8 +1,11 @@
 #include "foundation/data/schema.h"
 
 #include "foundation/base/apperror.h"
+#include "foundation/base/passwords.h"
 
 #include <QDate>
+#include <QList>
+#include <QPair>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -29,7 +32,8 @@ constexpr const char* kName = "VARCHAR(60)";
 constexpr const char* kAddress = "VARCHAR(150)";
 constexpr const char* kPhone = "VARCHAR(30)";
 constexpr const char* kMail = "VARCHAR(80)";
-constexpr const char* kUser = "VARCHAR(50)";   // sign-on names and passwords
+constexpr const char* kUser = "VARCHAR(50)";   // sign-on names
+constexpr const char* kPasswordHash = "VARCHAR(128)";   // Argon2id hashes, never the password
 constexpr const char* kShort = "VARCHAR(20)";
 constexpr const char* kTitle = "VARCHAR(100)"; // exam, company, parameter names
 constexpr const char* kReason = "VARCHAR(255)";
@@ -65,7 +69,7 @@ const std::vector<Table>& tables()
           {"fecha_nacimiento", kDate},   // the hiring date, as the screen captions it
           {"rol", kInt},
           {"usuario", kUser},
-          {"Password", kUser}}},
+          {"Password", kPasswordHash}}},
         {"usuariosmodulos", {{"cod_empleado", kInt}, {"cod_modulo", kInt}}},
         {"Pacientes",
          {{"cod_paciente", kCounter},
@@ -367,6 +371,36 @@ QVariant insertedKey(const QSqlDatabase& db, const QString& table, const QString
     return q.value(0);
 }
 
+// While it lives, what the embedded store deletes or overwrites is zeroed in
+// the file instead of left in its free pages, whatever the library's default
+// (Debian's already zeroes); then the connection's own setting comes back.
+// Another engine's files are its administrator's care.
+class SecureDelete {
+public:
+    explicit SecureDelete(const QSqlDatabase& db) : m_db(db)
+    {
+        if (m_db.driverName() != QLatin1String("QSQLITE"))
+            return;
+        QSqlQuery q(m_db);
+        if (!q.exec(QStringLiteral("PRAGMA secure_delete")) || !q.next())
+            return;
+        m_restore = q.value(0).toInt() == 0;
+        q.finish();
+        QSqlQuery(m_db).exec(QStringLiteral("PRAGMA secure_delete = 1"));
+    }
+    ~SecureDelete()
+    {
+        if (m_restore)
+            QSqlQuery(m_db).exec(QStringLiteral("PRAGMA secure_delete = 0"));
+    }
+    SecureDelete(const SecureDelete&) = delete;
+    SecureDelete& operator=(const SecureDelete&) = delete;
+
+private:
+    QSqlDatabase m_db;
+    bool m_restore = false;
+};
+
 }  // namespace
 
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
@@ -508,7 +542,7 @@ void seedFirstStart(const QSqlDatabase& db)
             run(db, insertAdmin,
                 {QStringLiteral("Administrador"), QStringLiteral("del Sistema"), QString(),
                  QString(), QString(), QDate::currentDate(), 1, QStringLiteral("admin"),
-                 QStringLiteral("admin")},
+                 hashPassword(QStringLiteral("admin"))},
                 failure);
         const QVariant code =
             insertedKey(db, QStringLiteral("Empleados"), QStringLiteral("cod_empleado"),
@@ -522,7 +556,29 @@ void seedFirstStart(const QSqlDatabase& db)
 
 void upgrade(const QSqlDatabase& db)
 {
-    Q_UNUSED(db);
+    // Earlier versions kept passwords as typed. A current store answers this
+    // with no row, so opening it costs one small query.
+    const QString plainPasswords = QStringLiteral(
+        "SELECT cod_empleado, Password FROM Empleados "
+        "WHERE Password IS NOT NULL AND substr(Password, 1, 10) <> '$argon2id$'");
+    const QString failure =
+        QStringLiteral("No se pudieron proteger las contraseñas de los empleados.");
+    if (!run(db, plainPasswords, {}, failure).next())
+        return;
+
+    // The replaced text is zeroed in the file, not left in its free space.
+    const SecureDelete wipe(db);
+    inTransaction(db, failure, [&] {
+        QList<QPair<QVariant, QString>> plain;
+        for (QSqlQuery q = run(db, plainPasswords, {}, failure); q.next();)
+            plain.append({q.value(0), q.value(1).toString()});
+        for (const auto& [code, typed] : plain)
+            // Bound to the old text as well: a password changed meanwhile at
+            // another desk stays as that desk wrote it.
+            run(db, QStringLiteral("UPDATE Empleados SET Password = ? "
+                                   "WHERE cod_empleado = ? AND Password = ?"),
+                {hashPassword(typed), code, typed}, failure);
+    });
 }
 
 }  // namespace tq::schema

@@ -5,9 +5,12 @@
 #include "foundation/data/datafolder.h"
 #include "foundation/startup/Form7.h"
 #include "foundation/startup/MDIForm1.h"
+#include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
 
 #include <QDir>
+#include <cstdint>
+#include <optional>
 
 namespace tq {
 
@@ -17,19 +20,19 @@ QString g_storeProblem;
 
 // Code of the last employee whose sign-on name is `usuario` (the walk has
 // no early exit, so a repeated name takes the last row's code).
-QString lastCodeOf(const QString& usuario)
+std::optional<std::int32_t> lastCodeOf(const QString& usuario)
 {
     Recordset& rs = amb1().rs(QStringLiteral("rsempleado"));
     if (rs.isOpen())
         rs.close();
     rs.open(QStringLiteral("select cod_empleado, usuario from empleados"));
-    QString code;
+    std::optional<std::int32_t> code;
     if (rs.recordCount() > 0) {
         rs.moveFirst();
         while (!rs.eof()) {
             const QVariant name = rs.field(QStringLiteral("usuario"));
             if (!name.isNull() && name.toString() == usuario)
-                code = rs.text(QStringLiteral("cod_empleado"));
+                code = toInt32(rs.field(QStringLiteral("cod_empleado")));
             rs.moveNext();
         }
     }
@@ -37,21 +40,19 @@ QString lastCodeOf(const QString& usuario)
 }
 
 // Right 1 (entry to the system) of the employee with that code.
-bool hasEntryRight(const QString& code)
+bool hasEntryRight(std::int32_t code)
 {
     Recordset& rs = amb1().rs(QStringLiteral("rsusumodu"));
     if (rs.isOpen())
         rs.close();
     rs.open(QStringLiteral("select * from Usuariosmodulos"));
-    const double wanted = Val(code);
     bool found = false;
     if (rs.recordCount() > 0) {
         rs.moveFirst();
         while (!rs.eof()) {
             const QVariant emp = rs.field(QStringLiteral("cod_empleado"));
             const QVariant mod = rs.field(QStringLiteral("cod_modulo"));
-            if (!emp.isNull() && !mod.isNull() && Val(emp.toString()) == wanted
-                && Val(mod.toString()) == 1)
+            if (!emp.isNull() && !mod.isNull() && toInt32(emp) == code && toInt32(mod) == 1)
                 found = true;
             rs.moveNext();
         }
@@ -91,8 +92,8 @@ SignOnCheck checkSignOn(const QString& usuario, const QString& password)
         return c;
     }
 
-    const QString code = lastCodeOf(usuario);
-    if (code.isEmpty() || !hasEntryRight(code)) {
+    const std::optional<std::int32_t> code = lastCodeOf(usuario);
+    if (!code || !hasEntryRight(*code)) {
         c.outcome = SignOnOutcome::NoRights;
         return c;
     }
@@ -103,7 +104,8 @@ SignOnCheck checkSignOn(const QString& usuario, const QString& password)
         return c;
     }
 
-    // Name and password are tried against every employee, to the end of the table.
+    // Name and password are tried against every employee, to the end of the
+    // table; only a row with that name costs a password check.
     Recordset& rs = amb1().rs(QStringLiteral("rsacceso"));
     if (rs.isOpen())
         rs.close();
@@ -112,9 +114,8 @@ SignOnCheck checkSignOn(const QString& usuario, const QString& password)
         rs.moveFirst();
         while (!rs.eof()) {
             const QVariant name = rs.field(QStringLiteral("usuario"));
-            const QVariant pass = rs.field(QStringLiteral("password"));
-            if (!name.isNull() && !pass.isNull() && name.toString() == usuario
-                && pass.toString() == password) {
+            if (!name.isNull() && name.toString() == usuario
+                && verifyPassword(rs.text(QStringLiteral("password")), password)) {
                 ++c.matches;
                 if (toInt16(rs.field(QStringLiteral("rol"))) == 2)
                     c.limited = true;

@@ -2,6 +2,8 @@
 
 #include "ui_AdminPrompt.h"
 
+#include "foundation/base/passwords.h"
+#include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/ui/errors.h"
@@ -51,9 +53,8 @@ bool AdminPrompt::isAdministrator(const QString& usuario, const QString& passwor
     Recordset adoc;
     adoc.open(QStringLiteral("select * from empleados where usuario = ?"), {usuario});
     for (int row = 0; row < adoc.recordCount(); ++row) {
-        const QVariant stored = adoc.valueAt(row, QStringLiteral("Password"));
-        if (!stored.isNull() && stored.toString() == password
-            && adoc.valueAt(row, QStringLiteral("rol")).toInt() == 1)
+        if (toInt16(adoc.valueAt(row, QStringLiteral("rol"))) == 1
+            && verifyPassword(adoc.valueAt(row, QStringLiteral("Password")).toString(), password))
             return true;
     }
     return false;

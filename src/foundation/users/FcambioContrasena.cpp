@@ -2,12 +2,16 @@
 
 #include "ui_FcambioContrasena.h"
 
+#include "foundation/base/passwords.h"
+#include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 
-#include <QVariantList>
+#include <QList>
+#include <QStringList>
+#include <cstdint>
 
 using namespace tq;
 
@@ -39,12 +43,11 @@ void FcambioContrasena::cambiar()
     // Every row with that name and that current password takes the new one:
     // two employees sharing a sign-on name and a password are one person to
     // whoever knows it. A wrong name or password finds no row and says nothing.
-    QVariantList codes;
+    QList<std::int32_t> codes;
     if (rs.recordCount() > 0) {
         for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-            const QVariant password = rs.field(QStringLiteral("Password"));
-            if (rs.text(QStringLiteral("usuario")) != usuario || password.isNull()
-                || password.toString() != actual)
+            if (rs.text(QStringLiteral("usuario")) != usuario
+                || !verifyPassword(rs.text(QStringLiteral("Password")), actual))
                 continue;
             if (nueva != confirmada) {
                 prompts().message(
@@ -52,16 +55,20 @@ void FcambioContrasena::cambiar()
                     Icon::Critical);
                 return;
             }
-            codes << rs.field(QStringLiteral("cod_empleado"));
+            codes << toInt32(rs.field(QStringLiteral("cod_empleado")));
         }
     }
     if (codes.isEmpty())
         return;
 
+    // Each row gets a hash of its own (its own salt), made before the store is locked.
+    QStringList hashes;
+    for (qsizetype i = 0; i < codes.size(); ++i)
+        hashes << hashPassword(nueva);
     Transaction tx;
-    for (const QVariant& code : codes)
+    for (qsizetype i = 0; i < codes.size(); ++i)
         amb1().execute(QStringLiteral("UPDATE Empleados SET Password = ? WHERE cod_empleado = ?"),
-                       {nueva, code});
+                       {hashes.at(i), codes.at(i)});
     tx.commit();
     prompts().message(QStringLiteral("Su contraseña ha sido modificada satisfactoriamente"));
 }

@@ -2,6 +2,7 @@
 
 #include "ui_Form1.h"
 
+#include "foundation/base/passwords.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/errors.h"
@@ -101,15 +102,16 @@ std::optional<Refusal> Form1::validate(int mode)
 
         // A new sign-on name is held against the stored passwords, as the
         // laboratory always did: it holds while users keep their first password.
+        // Each stored hash is checked with the name as the typed password.
         Recordset rs;
         rs.open(QStringLiteral("select password from Empleados"));
-        const QString wanted = ui->Text7->text();
-        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-            if (rs.text(QStringLiteral("password")) == wanted)
-                return Refusal{
-                    QStringLiteral("Debe seleccionar un nuevo usuario, el presente usuario ya existe"),
-                    ui->Text7, Icon::None};
-        }
+        QStringList stored;
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+            stored << rs.text(QStringLiteral("password"));
+        if (verifyAnyPassword(stored, ui->Text7->text()))
+            return Refusal{
+                QStringLiteral("Debe seleccionar un nuevo usuario, el presente usuario ya existe"),
+                ui->Text7, Icon::None};
     }
     // The hiring date must be a date before anything is written (a modify may
     // leave it empty).
@@ -124,7 +126,7 @@ QVariant Form1::saveAdd()
 {
     // Telephone and mobile are written only when typed; a new user's first
     // password is the sign-on name.
-    const QVariant code = amb1().insert(
+    const QVariant key = amb1().insert(
         QStringLiteral("Empleados"),
         {QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
          QStringLiteral("direccion_empleado"), QStringLiteral("tel_empleado"),
@@ -132,9 +134,11 @@ QVariant Form1::saveAdd()
          QStringLiteral("usuario"), QStringLiteral("Password")},
         {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
          nullIfEmpty(ui->Text5->text()), hiringDate(ui->Text6->text()),
-         int(toInt16(Val(ui->Combo1->currentText()))), ui->Text7->text(), ui->Text7->text()});
-    if (!code.isValid() || code.isNull())
+         int(toInt16(Val(ui->Combo1->currentText()))), ui->Text7->text(),
+         hashPassword(ui->Text7->text())});
+    if (!key.isValid() || key.isNull())
         throw AppError(QStringLiteral("No se obtuvo el codigo del nuevo empleado."));
+    const std::int32_t code = toInt32(key);
 
     for (int module = kFirstModule; module <= kLastModule; ++module)
         amb1().execute(
@@ -152,12 +156,12 @@ void Form1::saveModify()
                        "fecha_nacimiento = ?, rol = ? WHERE cod_empleado = ?"),
         {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
          nullIfEmpty(ui->Text5->text()), hiringDate(ui->Text6->text()),
-         int(toInt16(Val(ui->Combo1->currentText()))), int(selectedCode())});
+         int(toInt16(Val(ui->Combo1->currentText()))), selectedCode()});
 }
 
 void Form1::deleteSelected()
 {
     // Its usuariosmodulos rows stay behind, as they always have.
     amb1().execute(QStringLiteral("DELETE FROM Empleados WHERE cod_empleado = ?"),
-                   {int(selectedCode())});
+                   {selectedCode()});
 }

@@ -71,13 +71,16 @@ std::optional<Refusal> Fdoctores::validate(int mode)
 QVariant Fdoctores::saveAdd()
 {
     // The address goes in even when empty; telephone and e-mail only when typed.
-    return amb1().insert(
+    const QVariant key = amb1().insert(
         QStringLiteral("Doctores"),
         {QStringLiteral("Nombre_doctor"), QStringLiteral("Apellido_doctor"),
          QStringLiteral("dir_doctor"), QStringLiteral("tel_doctor"), QStringLiteral("correo_doctor"),
          QStringLiteral("porsentaje")},
         {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
          nullIfEmpty(ui->Text5->text()), Val(ui->Text6->text())});
+    if (!key.isValid() || key.isNull())
+        return {};   // the list is reloaded without a row chosen
+    return toInt32(key);
 }
 
 void Fdoctores::saveModify()
@@ -87,14 +90,14 @@ void Fdoctores::saveModify()
                        "dir_doctor = ?, tel_doctor = ?, correo_doctor = ?, porsentaje = ? "
                        "WHERE Cod_doctor = ?"),
         {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), nullIfEmpty(ui->Text4->text()),
-         nullIfEmpty(ui->Text5->text()), Val(ui->Text6->text()), int(selectedCode())});
+         nullIfEmpty(ui->Text5->text()), Val(ui->Text6->text()), selectedCode()});
 }
 
 void Fdoctores::deleteSelected()
 {
     // Invoices that named this doctor keep their code; nothing stops the delete.
     amb1().execute(QStringLiteral("DELETE FROM Doctores WHERE Cod_doctor = ?"),
-                   {int(selectedCode())});
+                   {selectedCode()});
 }
 
 void Fdoctores::afterDelete()
