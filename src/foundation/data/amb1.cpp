@@ -866,6 +866,7 @@ void Amb1::openStore(const QString& path)
 
     QString failure;
     QString why;
+    QStringList present;   // the tables the store holds
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
         db.setDatabaseName(info.absoluteFilePath());
@@ -878,12 +879,14 @@ void Amb1::openStore(const QString& path)
         } else {
             // A file that isn't a store opens but can't be read.
             QSqlQuery check(db);
-            if (!check.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) {
+            if (!check.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
                 why = check.lastError().text();
                 failure = QStringLiteral("No se pudo abrir la base de datos %1: el archivo no es "
                                          "una base de datos válida.")
                               .arg(where);
             } else {
+                while (check.next())
+                    present << check.value(0).toString();
                 check.finish();
                 // Deletion rules live in the screens; the store enforces no keys.
                 check.exec(QStringLiteral("PRAGMA foreign_keys = OFF"));
@@ -901,7 +904,7 @@ void Amb1::openStore(const QString& path)
     p->file = info.absoluteFilePath();
 
     try {
-        if (schema::isEmpty(p->db)) {
+        if (schema::isEmpty(present)) {
             if (!p->db.transaction())
                 throw DbError(QStringLiteral("No se pudo abrir la base de datos %1: no se pudo "
                                              "iniciar la creación de sus tablas.")

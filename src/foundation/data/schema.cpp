@@ -463,7 +463,11 @@ QStringList columnNames(const QString& table)
 
 bool isEmpty(const QSqlDatabase& db)
 {
-    const QStringList present = db.tables(QSql::Tables);
+    return isEmpty(db.tables(QSql::Tables));
+}
+
+bool isEmpty(const QStringList& present)
+{
     for (const QString& name : tableNames())
         if (present.contains(name, Qt::CaseInsensitive))
             return false;

@@ -16,6 +16,8 @@ QStringList columnNames(const QString& table);
 
 // True when the store has none of the system's tables yet.
 bool isEmpty(const QSqlDatabase& db);
+// The same, from the names of the tables the store holds.
+bool isEmpty(const QStringList& present);
 // Creates every table and index. Throws DbError.
 void create(const QSqlDatabase& db);
 // Fills a new store with the rows the program assumes: insurer 0 "Sin Seguro",
