@@ -10,6 +10,7 @@
 #include "foundation/startup/accesos.h"
 
 #include <QCloseEvent>
+#include <QPalette>
 #include <QTimer>
 
 Form7::Form7(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::Form7>())
@@ -38,6 +39,11 @@ Form7::~Form7()
 void Form7::loadLaboratory()
 {
     if (!tq::amb1().isOpen()) {
+        // Dark red, set here rather than by a style sheet, whose parsing
+        // would cost every start-up.
+        QPalette red = ui->lblAviso->palette();
+        red.setColor(QPalette::WindowText, QColor(0xb0, 0, 0));
+        ui->lblAviso->setPalette(red);
         ui->lblAviso->setText(tq::storeClosedMessage());
         ui->lblAviso->setVisible(true);
         return;
