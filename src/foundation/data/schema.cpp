@@ -19,10 +19,9 @@ namespace {
 // the store's own counters, which each engine spells its own way.
 constexpr const char* kCounter = "@COUNTER@";
 constexpr const char* kKey = "INTEGER PRIMARY KEY";       // typed or worked out by a screen
-constexpr const char* kInt = "INTEGER";
+constexpr const char* kInt = "INTEGER";                   // codes and numbers, format ids too
 constexpr const char* kMoney = "NUMERIC(12,2) DEFAULT 0"; // written through "#.00"
 constexpr const char* kNumber = "NUMERIC";                // rates, quantities, stock
-constexpr const char* kDouble = "DOUBLE PRECISION";       // format ids
 constexpr const char* kYesNo = "BOOLEAN NOT NULL DEFAULT FALSE";
 constexpr const char* kDate = "DATE";
 constexpr const char* kMemo = "TEXT";
@@ -166,7 +165,7 @@ const std::vector<Table>& tables()
           {"num_impresion", "INTEGER DEFAULT 0"},
           {"tecnico", kUser},
           {"fecha_llenado", kDate},
-          {"iduniversalformato", kDouble}}},
+          {"iduniversalformato", kInt}}},
         {"EvaluadoTemporal",
          {{"factura", kInt},
           {"correlativo", kCounter},
@@ -221,7 +220,7 @@ const std::vector<Table>& tables()
           {"celda", kShort},
           {"valor", kMemo},
           {"version", kInt},
-          {"iduniversalformato", kDouble}}},
+          {"iduniversalformato", kInt}}},
         {"submenusformatoblanco",
          {{"codigo_formatoblanco", kInt}, {"submenu", kTitle}, {"valorsubmenu", kMemo}}},
         {"formatoblanco", {{"codigo_formatoblanco", kInt}, {"encabezado", kName}}},
