@@ -57,6 +57,7 @@ void ScriptedPrompts::clear()
     answers.clear();
     inputs.clear();
     files.clear();
+    printers.clear();
     ended = false;
 }
 
@@ -103,6 +104,16 @@ QString ScriptedPrompts::saveFile(const QString& caption, const QString& propose
     QString f = files.front();
     files.pop_front();
     return f;
+}
+
+bool ScriptedPrompts::choosePrinter(QPrinter*, const QString& title)
+{
+    prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
+    if (printers.empty())
+        return false;
+    const bool accepted = printers.front();
+    printers.pop_front();
+    return accepted;
 }
 
 void ScriptedPrompts::showModal(QWidget* screen)

@@ -75,7 +75,7 @@ FDatos::FDatos(QWidget* parent) : QWidget(parent, Qt::Window), ui(std::make_uniq
     setObjectName(QStringLiteral("FDatos"));
     setAttribute(Qt::WA_DeleteOnClose);
 
-    onClick(ui->boton2, QStringLiteral("abrir los datos del laboratorio"), [this] {
+    onClick(ui->boton2, QStringLiteral("preparar los datos del laboratorio para cambiarlos"), [this] {
         lock(false);
         ui->Text1->setFocus();
     });
