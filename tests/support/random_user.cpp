@@ -67,12 +67,19 @@ RandomPrompts::RandomPrompts(Dice& dice, const QString& folder) : m_dice(dice)
     image.fill(Qt::transparent);
     image.save(picture);
     const QString missing = dir.filePath(QStringLiteral("no existe/archivo"));
-    // Cancelled, a path that does not exist, a real picture, a file that is no picture.
-    m_openAnswers = {QString(), missing, picture, dir.filePath(QStringLiteral("lab.db"))};
+    // Cancelled, a path that does not exist, a real picture, a file that is no
+    // picture, a folder.
+    m_openAnswers = {QString(), missing, picture, dir.filePath(QStringLiteral("lab.db")),
+                     dir.filePath(QStringLiteral("archivos"))};
     // Cancelled, a folder that does not exist, a good place, the store itself
-    // (the store's suffix is added to what is chosen).
-    m_saveAnswers = {QString(), missing, dir.filePath(QStringLiteral("archivos/copia")),
-                     dir.filePath(QStringLiteral("lab"))};
+    // (the store's suffix is added to what is chosen), an existing folder, a
+    // folder that takes no files, not even from the system's administrator.
+    m_saveAnswers = {QString(),
+                     missing,
+                     dir.filePath(QStringLiteral("archivos/copia")),
+                     dir.filePath(QStringLiteral("lab")),
+                     dir.filePath(QStringLiteral("archivos")),
+                     QStringLiteral("/proc/respaldo")};
 }
 
 RandomPrompts::~RandomPrompts() { installPrompts(m_previous); }
@@ -263,20 +270,6 @@ bool hasSurrogates(const QString& text)
     return false;
 }
 
-// Types a text key by key; QTest's own typing knows only ASCII, and the
-// laboratory's texts are full of accents and "ñ".
-void typeKeys(QWidget* w, const QString& text)
-{
-    for (QChar c : text) {
-        const QChar upper = c.toUpper();
-        const int key = upper.unicode() < 0x100 ? upper.unicode() : int(Qt::Key_unknown);
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(c));
-        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(c));
-        QApplication::sendEvent(w, &press);
-        QApplication::sendEvent(w, &release);
-    }
-}
-
 void clickButton(QAbstractButton* b)
 {
     // Options and checks are hit on their box, buttons in their middle.
@@ -297,8 +290,8 @@ void RandomUser::say(const QString& what) const
 QString RandomUser::act(QWidget* window)
 {
     const Offer o = offerOf(window);
-    enum Kind { Button, Type, Fill, Key, Cell, Menu, Combo, Tab, Tick };
-    QList<QPair<Kind, int>> kinds = {{Key, 12}};
+    enum Kind { Button, Type, Fill, Key, Cell, Menu, Combo, Tab, Tick, Close };
+    QList<QPair<Kind, int>> kinds = {{Key, 12}, {Close, 1}};
     if (!o.buttons.isEmpty())
         kinds << qMakePair(Button, 30);
     if (!o.fields.isEmpty())
@@ -451,6 +444,12 @@ QString RandomUser::act(QWidget* window)
         say(what);
         t->setCurrentIndex(i);
         return what;
+    }
+    case Close: {
+        // The window's own close box, whatever is under way.
+        say(QStringLiteral("cierra la ventana"));
+        window->close();
+        return QStringLiteral("cierra la ventana");
     }
     case Tick: {
         QTimer* t = m_dice.pick(o.timers);

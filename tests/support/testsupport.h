@@ -83,6 +83,8 @@ T* control(QObject* root, const QString& name)
 
 // Types the text into the focused-or-given widget with real key presses.
 void type(QWidget* w, const QString& text);
+// The key presses of `text`, accents and "ñ" included, sent to `w`.
+void typeKeys(QWidget* w, const QString& text);
 // Replaces the text of a line edit through the keyboard (select all, type).
 void retype(QWidget* w, const QString& text);
 void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier);

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTextStream>
+#include <cerrno>
 #include <new>
 
 namespace tq {
@@ -44,6 +45,32 @@ void logLine(const QString& line)
         return;
     QTextStream out(&f);
     out << QDateTime::currentDateTime().toString(Qt::ISODate) << ' ' << line << '\n';
+}
+
+QString systemProblem(int errnum)
+{
+    switch (errnum) {
+    case EACCES:
+    case EPERM: return QStringLiteral("no hay permiso para usar ese archivo o esa carpeta");
+    case ENOENT: return QStringLiteral("la carpeta o el archivo no existe");
+    case ENOSPC:
+    case EDQUOT: return QStringLiteral("el disco está lleno");
+    case EROFS: return QStringLiteral("el disco es de solo lectura");
+    case EISDIR: return QStringLiteral("ese nombre es el de una carpeta");
+    case ENOTDIR: return QStringLiteral("una parte del camino no es una carpeta");
+    case ENAMETOOLONG: return QStringLiteral("el nombre es demasiado largo");
+    case EEXIST: return QStringLiteral("ya existe un archivo con ese nombre");
+    case EBUSY:
+    case ETXTBSY: return QStringLiteral("el archivo está en uso");
+    case EIO: return QStringLiteral("el disco falló al leer o escribir");
+    case EMFILE:
+    case ENFILE: return QStringLiteral("hay demasiados archivos abiertos");
+    case EXDEV: return QStringLiteral("el archivo no se puede mover a otro disco");
+    default: break;
+    }
+    if (errnum == 0)
+        return QStringLiteral("el sistema no lo permitió");
+    return QStringLiteral("el sistema no lo permitió (código de error %1)").arg(errnum);
 }
 
 QString failureSentence(const QString& what)

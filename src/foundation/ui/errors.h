@@ -29,6 +29,11 @@ QString failureSentence(const QString& what);
 // Connects a button's click to an action run through guarded().
 void onClick(QAbstractButton* button, const QString& what, std::function<void()> fn);
 
+// Why the system refused to read or write a file, in the user's words;
+// `errnum` is the system's error number (errno). The system's own text is
+// English and belongs in the log.
+QString systemProblem(int errnum);
+
 // Appends a line to the log of the data folder (tarvenquil.log).
 void logLine(const QString& line);
 
