@@ -9,6 +9,7 @@
 // seeds), telling each event and checking the store after each.
 #include "invariants.h"
 #include "random_user.h"
+#include "store_faults.h"
 #include "testsupport.h"
 
 #include "foundation/base/appstate.h"
@@ -27,6 +28,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTimer>
 #include <QtTest>
 #include <csignal>
@@ -40,24 +42,30 @@ using namespace tq::test;
 namespace {
 
 // Per screen: seeds, and events of the user on the screen (a modal screen it
-// opens gets kModalEvents more, two modal screens deep at most). About 3 ms
-// an event: a hundred screens still fit in a minute.
+// opens gets kModalEvents more, two modal screens deep at most). An event
+// costs about a third of a millisecond: a hundred screens still fit in well
+// under a minute.
 // TQ_ROBUSTEZ_SEMILLAS=50 hunts with more seeds.
-constexpr int kSeeds = 3;
-constexpr int kEvents = 250;
+constexpr int kSeeds = 4;
+constexpr int kEvents = 300;
 constexpr int kModalEvents = 12;
 // The main window is not made by name: signing on builds it.
 const QString kMainWindow = QStringLiteral("MDIForm1");
 
 // Faults found by the run in code that is not this area's, each with why it
-// is still here. A failure of that screen whose text holds `contains` is
-// told but does not fail the run; an entry that no longer shows up does.
+// is still here. A failure of that screen ("*": of any) whose text holds
+// `contains` is told but does not fail the run; an entry that no longer
+// shows up fails it, so that the list is emptied as the faults are mended.
 struct KnownFault {
     const char* screen;
     const char* contains;
     const char* reason;
 };
-const QList<KnownFault> kKnownFaults = {};
+const QList<KnownFault> kKnownFaults = {
+    {"*", "Error de la base de datos: fallo provocado de la base de datos",
+     "amb1 pone el texto del controlador (en inglés) en el mensaje de DbError; va solo al "
+     "registro cuando amb1 se corrija"},
+};
 
 // ---- what happens outside the run's control -------------------------------
 
@@ -191,6 +199,8 @@ private:
     QString m_template;   // a demo laboratory, copied afresh for every run
     QStringList m_faults;
     QList<const KnownFault*> m_knownSeen;
+    QSet<QString> m_knownTold;
+    int m_events = 0;
     QTimer m_watchdog;
     QStringList m_ownLoops;
 
@@ -290,10 +300,17 @@ void TestRobustness::fault(const QString& screen, int seed, const QString& text)
 {
     const QString line = QStringLiteral("%1, semilla %2, %3").arg(screen).arg(seed).arg(text);
     for (const KnownFault& k : kKnownFaults) {
-        if (screen == QLatin1String(k.screen) && text.contains(QString::fromUtf8(k.contains))) {
+        const bool anyScreen = qstrcmp(k.screen, "*") == 0;
+        if ((anyScreen || screen == QLatin1String(k.screen))
+            && text.contains(QString::fromUtf8(k.contains))) {
             if (!m_knownSeen.contains(&k))
                 m_knownSeen << &k;
-            qInfo().noquote() << "FALLO CONOCIDO (" << k.reason << "):" << line;
+            // Told once a screen: the list gives the reason, the replay the rest.
+            const QString told = screen + QString::fromUtf8(k.contains);
+            if (!m_knownTold.contains(told)) {
+                m_knownTold << told;
+                qInfo().noquote() << "FALLO CONOCIDO (" << k.reason << "):" << line;
+            }
             return;
         }
     }
@@ -314,6 +331,7 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     state().currentUser = QStringLiteral("admin");
     state().workingDate = dateLong(QDate::currentDate());
 
+    StoreFaults store;
     Dice dice(quint32(seed) * 7919u + nameHash(screen));
     RandomPrompts prompts(dice, dir.path());
     RandomUser user(dice);
@@ -373,6 +391,21 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     QPointer<QWidget> target;
     int opened = 0;
     for (int i = 0; i < kEvents; ++i) {
+        // Now and then the store fails, from the first, second or third write on, and heals later.
+        if (dice.chance(3)) {
+            const int writes = dice.below(3);
+            const QString what = store.failing()
+                                     ? QStringLiteral("la base de datos vuelve a aceptar cambios")
+                                     : QStringLiteral("la base de datos falla después de %1 escrituras")
+                                           .arg(writes);
+            sayWhere(screen, seed, event, what);
+            if (replay)
+                qInfo().noquote() << QStringLiteral("  %1: %2").arg(event).arg(what);
+            if (store.failing())
+                store.heal();
+            else
+                store.failAfter(writes);
+        }
         if (!target || !target->isVisible()) {
             sayWhere(screen, seed, event, QStringLiteral("abre la pantalla"));
             target = open(screen);
@@ -416,6 +449,7 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
                              .arg(opened)
                              .arg(prompts.prompts.size())
                              .arg(boundaryRecord().shown - boundaryBefore);
+    m_events += event;
     amb1().closeStore();
 }
 
@@ -445,10 +479,11 @@ void TestRobustness::everyScreenUnderRandomUse()
         }
     }
     qInfo().noquote() << QStringLiteral("Pantallas cubiertas: %1 de %2, %3 semillas cada una, "
-                                        "en %4 s")
+                                        "%4 eventos en %5 s")
                              .arg(covered)
                              .arg(screens.size())
                              .arg(onlySeed.isEmpty() ? seeds : 1)
+                             .arg(m_events)
                              .arg(clock.elapsed() / 1000.0, 0, 'f', 1);
     QVERIFY2(covered > 0, qPrintable(QStringLiteral("ninguna pantalla se llama %1").arg(onlyScreen)));
     if (only.isEmpty())

@@ -27,6 +27,10 @@ const QList<Invariant>& storeInvariants()
         {QStringLiteral("usuariosmodulos: pares de números enteros"),
          QStringLiteral("SELECT COUNT(*) FROM usuariosmodulos WHERE %1 OR %2")
              .arg(notWhole(QStringLiteral("cod_empleado")), notWhole(QStringLiteral("cod_modulo")))},
+        // Every employee gets the module rights when added, in the same save.
+        {QStringLiteral("Empleados: cada empleado con sus derechos de módulo"),
+         QStringLiteral("SELECT COUNT(*) FROM Empleados e WHERE NOT EXISTS (SELECT 1 FROM "
+                        "usuariosmodulos m WHERE m.cod_empleado = e.cod_empleado)")},
         // The registers and the other master tables.
         keyed(QStringLiteral("Empleados"), QStringLiteral("cod_empleado")),
         keyed(QStringLiteral("Doctores"), QStringLiteral("Cod_doctor")),
