@@ -262,6 +262,14 @@ const QList<Qt::Key> kKeys = {
     Qt::Key_9,      Qt::Key_Minus,  Qt::Key_Period, Qt::Key_Slash,
 };
 
+// Where a field takes its keys: an editable combo's own line.
+QWidget* inputOf(QWidget* field)
+{
+    if (auto* c = qobject_cast<QComboBox*>(field); c && c->lineEdit())
+        return c->lineEdit();
+    return field;
+}
+
 bool hasSurrogates(const QString& text)
 {
     for (QChar c : text)
@@ -285,6 +293,14 @@ void RandomUser::say(const QString& what) const
 {
     if (announce)
         announce(what);
+}
+
+QString RandomUser::press(QWidget* w, Qt::Key key, const QString& what) const
+{
+    say(what);
+    w->setFocus();
+    QTest::keyClick(w, key);
+    return what;
 }
 
 QString RandomUser::act(QWidget* window)
@@ -329,9 +345,7 @@ QString RandomUser::act(QWidget* window)
     }
     case Type: {
         QWidget* field = m_dice.pick(o.fields);
-        QWidget* receiver = field;
-        if (auto* c = qobject_cast<QComboBox*>(field); c && c->lineEdit())
-            receiver = c->lineEdit();
+        QWidget* receiver = inputOf(field);
         const QString text = m_dice.pick(nastyTexts());
         const QString what = QStringLiteral("escribe %1 en %2").arg(shown(text), nameOf(field));
         say(what);
@@ -356,9 +370,7 @@ QString RandomUser::act(QWidget* window)
         QStringList texts = nastyTexts();
         texts.removeIf([](const QString& t) { return t.trimmed().isEmpty(); });
         for (QWidget* field : o.fields) {
-            QWidget* receiver = field;
-            if (auto* c = qobject_cast<QComboBox*>(field); c && c->lineEdit())
-                receiver = c->lineEdit();
+            QWidget* receiver = inputOf(field);
             receiver->setFocus();
             QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);
             QGuiApplication::clipboard()->setText(m_dice.pick(texts));
@@ -383,12 +395,8 @@ QString RandomUser::act(QWidget* window)
                             : targets.isEmpty() ? window
                                                 : m_dice.pick(targets);
         const Qt::Key key = m_dice.pick(kKeys);
-        const QString what = QStringLiteral("tecla %1 en %2")
-                                 .arg(QKeySequence(key).toString(), nameOf(receiver));
-        say(what);
-        receiver->setFocus();
-        QTest::keyClick(receiver, key);
-        return what;
+        return press(receiver, key,
+                     QStringLiteral("tecla %1 en %2").arg(QKeySequence(key).toString(), nameOf(receiver)));
     }
     case Cell: {
         QAbstractItemView* v = m_dice.pick(o.grids);
@@ -430,12 +438,7 @@ QString RandomUser::act(QWidget* window)
         QComboBox* c = m_dice.pick(o.combos);
         const Qt::Key key = m_dice.pick(
             QList<Qt::Key>{Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown});
-        const QString what =
-            QStringLiteral("lista %1: %2").arg(nameOf(c), QKeySequence(key).toString());
-        say(what);
-        c->setFocus();
-        QTest::keyClick(c, key);
-        return what;
+        return press(c, key, QStringLiteral("lista %1: %2").arg(nameOf(c), QKeySequence(key).toString()));
     }
     case Tab: {
         QTabBar* t = m_dice.pick(o.tabs);

@@ -83,6 +83,7 @@ public:
 
 private:
     void say(const QString& what) const;
+    QString press(QWidget* w, Qt::Key key, const QString& what) const;
     Dice& m_dice;
 };
 
