@@ -429,8 +429,12 @@ void TestHelpers::fileProblemsInTheUsersWords()
     picture.fill(Qt::red);
     const QString png = QDir(store.folder()).filePath(QStringLiteral("logo nuevo.png"));
     QVERIFY(picture.save(png));
-    sp.files = {png};
+    const QString missing = QDir(store.folder()).filePath(QStringLiteral("no está.png"));
+    sp.files = {missing, png};
     QVERIFY(test::clickNamed(datos, QStringLiteral("boton2")));
+    QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudo buscar el logo.\n\nEl archivo \"%1\" no existe.")
+                                   .arg(missing));
     QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
     setDataFolder(QStringLiteral("/proc"));
     QVERIFY(test::clickNamed(datos, QStringLiteral("boton")));

@@ -169,6 +169,8 @@ void FDatos::chooseLogo()
                                               QStringLiteral("Imagenes (*.jpg *.jpeg *.png *.bmp)"));
     if (chosen.isEmpty())
         return;
+    if (!QFileInfo(chosen).isFile())
+        throw AppError(QStringLiteral("El archivo \"%1\" no existe.").arg(chosen));
     if (QPixmap(chosen).isNull())
         throw AppError(
             QStringLiteral("El archivo \"%1\" no es una imagen que se pueda mostrar.").arg(chosen));
