@@ -343,6 +343,8 @@ void TestRobustness::fault(const QString& screen, int seed, const QString& text)
 
 void TestRobustness::runOne(const QString& screen, int seed, bool replay)
 {
+    QElapsedTimer clock;
+    clock.start();
     QTemporaryDir dir;
     const QString db = QDir(dir.path()).filePath(QStringLiteral("lab.db"));
     QVERIFY(QFile::copy(m_template, db));
@@ -463,13 +465,14 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
         fault(screen, seed, QStringLiteral("la base de datos quedó mal: %1").arg(broken));
 
     qInfo().noquote() << QStringLiteral("%1 semilla %2: %3 eventos, abierta %4 veces, %5 avisos, "
-                                        "%6 fallos mostrados")
+                                        "%6 fallos mostrados, %7 ms")
                              .arg(screen)
                              .arg(seed)
                              .arg(event)
                              .arg(opened)
                              .arg(prompts.prompts.size())
-                             .arg(boundaryRecord().shown - boundaryBefore);
+                             .arg(boundaryRecord().shown - boundaryBefore)
+                             .arg(clock.elapsed());
     m_events += event;
     amb1().closeStore();
 }

@@ -17,6 +17,8 @@ namespace tq {
 
 PromptService::~PromptService() = default;
 
+bool PromptService::choosePrinter(QPrinter*, const QString&) { return false; }
+
 bool PromptService::ask(const QString& text, const QString& title)
 {
     return message(text, Icon::Question, title, Buttons::YesNo) == Answer::Yes;

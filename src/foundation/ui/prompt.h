@@ -39,9 +39,11 @@ public:
     virtual QString saveFile(const QString& caption, const QString& proposed,
                              const QString& filter) = 0;
 
-    // The printer dialog: sets up `printer`; false when cancelled.
+    // The printer dialog: sets up `printer`; false when cancelled. A service
+    // that shows no printer dialog answers as the user who cancels: nothing
+    // is printed.
     virtual bool choosePrinter(QPrinter* printer,
-                               const QString& title = QString::fromLatin1(kAppTitle)) = 0;
+                               const QString& title = QString::fromLatin1(kAppTitle));
 
     // Shows a screen modally and returns when it has closed. The screen is
     // deleted on close (Qt::WA_DeleteOnClose is set by the service).
