@@ -36,6 +36,7 @@
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
+#include <utility>
 
 using namespace tq;
 using namespace tq::test;
@@ -367,10 +368,13 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     QStringList brokenBefore;
     int told = 0;
 
+    int depth = 0;   // steps inside a modal screen opened by another step
     auto step = [&](QWidget* window) {
         sayWhere(screen, seed, event, QStringLiteral("sin elegir"));
-        g_escaped.clear();
-        m_ownLoops.clear();
+        // What the step of an outer window had seen stays its own.
+        const QStringList outerEscaped = std::exchange(g_escaped, {});
+        const QStringList outerLoops = std::exchange(m_ownLoops, {});
+        ++depth;
         m_watchdog.start();
         try {
             user.act(window);
@@ -380,7 +384,8 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
         } catch (const std::exception& e) {
             g_escaped << QString::fromLocal8Bit(e.what());
         }
-        m_watchdog.stop();
+        if (--depth == 0)
+            m_watchdog.stop();
         for (int i = 0; i < 5 && QApplication::activePopupWidget(); ++i)
             QApplication::activePopupWidget()->close();
         for (const QString& e : std::as_const(g_escaped))
@@ -402,6 +407,8 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
                 qInfo().noquote() << "  la base de datos quedó mal:" << broken.join(QStringLiteral("; "));
             brokenBefore = broken;
         }
+        g_escaped = outerEscaped;
+        m_ownLoops = outerLoops;
         ++event;
     };
     prompts.onModal = [&](QWidget* modal) {
