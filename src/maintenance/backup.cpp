@@ -150,7 +150,7 @@ BackupResult backupStore(const QString& target)
                           .arg(systemProblem(ec.value())),
                       QString::fromLocal8Bit(ec.message().c_str()));
     temp.setAutoRemove(false);   // its name now belongs to the target
-    return {true, {}};
+    return {true, {}, {}};
 }
 
 }  // namespace tq
