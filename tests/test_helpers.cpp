@@ -1,21 +1,28 @@
 // The shared helpers every screen leans on: money text, Val, the checked
 // 16-bit conversion, calendar differences and ages, date forms, the screen
-// registry and the error boundary.
+// registry, the error boundary and the register screen's own messages.
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
+#include "foundation/ui/datagrid.h"
 #include "foundation/ui/errors.h"
+#include "foundation/ui/register_screen.h"
 #include "foundation/ui/registry.h"
 #include "foundation/base/values.h"
+#include "maintenance/backup.h"
 #include "testsupport.h"
 
 #include <QDir>
-#include <limits>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <QtTest>
+#include <cerrno>
 #include <limits>
+#include <new>
 
 using namespace tq;
 
@@ -23,6 +30,60 @@ namespace {
 class ProbeScreen : public QWidget {
 public:
     explicit ProbeScreen(QWidget* parent) : QWidget(parent) {}
+};
+
+// A register of exam types whose list and row can be made to fail.
+class ProbeRegister : public RegisterScreen {
+public:
+    bool failList = false;
+    bool failRow = false;
+    QLineEdit* name = new QLineEdit(this);
+    DataGrid* grid = new DataGrid(this);
+    RegisterButtons b{new QPushButton(QStringLiteral("Agregar"), this),
+                      new QPushButton(QStringLiteral("Modificar"), this),
+                      new QPushButton(QStringLiteral("Eliminar"), this),
+                      new QPushButton(QStringLiteral("Guardar"), this),
+                      new QPushButton(QStringLiteral("Cancelar"), this),
+                      new QPushButton(QStringLiteral("Salir"), this)};
+
+    explicit ProbeRegister(const QString& listNoun)
+    {
+        auto* layout = new QVBoxLayout(this);
+        for (QWidget* w : {static_cast<QWidget*>(name), static_cast<QWidget*>(grid)})
+            layout->addWidget(w);
+        for (QAbstractButton* button : {b.add, b.modify, b.remove, b.save, b.cancel, b.exit})
+            layout->addWidget(button);
+        setUpRegister(b, {name}, grid, QStringLiteral("el tipo de examen"));
+        if (!listNoun.isEmpty())
+            setListNoun(listNoun);
+    }
+    void begin() { start(); }
+
+protected:
+    void loadGrid() override
+    {
+        if (failList)
+            throw AppError(QStringLiteral("La tabla no responde."));
+        m_rs.open(QStringLiteral("SELECT cod_tipo_examen, tipo_examen FROM TipoExamen"));
+        grid->bind(m_rs);
+    }
+    void showRow(int row) override
+    {
+        if (failRow)
+            throw AppError(QStringLiteral("La fila no responde."));
+        name->setText(grid->text(row, QStringLiteral("tipo_examen")));
+    }
+    QVariant saveAdd() override
+    {
+        return amb1().insert(QStringLiteral("TipoExamen"), {QStringLiteral("tipo_examen")},
+                             {name->text()});
+    }
+    void saveModify() override {}
+    void deleteSelected() override {}
+    QString codeColumn() const override { return QStringLiteral("cod_tipo_examen"); }
+
+private:
+    Recordset m_rs;
 };
 }  // namespace
 TQ_REGISTER_SCREEN(ProbeScreen)
@@ -41,6 +102,9 @@ private slots:
     void registryCreatesByNameAndOpensModally();
     void unbuiltScreenGetsAnHonestNotice();
     void errorBoundaryRollsBackLogsAndKeepsRunning();
+    void failuresReadAsWholeSentences();
+    void registerFailuresReadNaturally();
+    void fileProblemsInTheUsersWords();
     void dataFolderChoice();
 };
 
@@ -265,6 +329,121 @@ void TestHelpers::errorBoundaryRollsBackLogsAndKeepsRunning()
                            {QStringLiteral("D'Costa")})
                  .toString(),
              QStringLiteral("D'Costa"));
+}
+
+void TestHelpers::failuresReadAsWholeSentences()
+{
+    test::TempStore store;
+    test::ScriptedPrompts sp;
+    const int shown = boundaryRecord().shown;
+    auto fail = [](auto failure) { return [failure] { throw failure; }; };
+
+    guarded(QStringLiteral("leer los respaldos realizados"), fail(AppError(QStringLiteral("Sin acceso."))));
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudieron leer los respaldos realizados.\n\nSin acceso."));
+    guarded(QStringLiteral("cargar la lista de doctores"), fail(AppError(QStringLiteral("Sin acceso."))));
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudo cargar la lista de doctores.\n\nSin acceso."));
+
+    // The runtime's own words are English: the user reads ours, the log keeps theirs.
+    guarded(QStringLiteral("guardar el doctor"), fail(std::runtime_error("disk on fire")));
+    QCOMPARE(sp.lastMessage(),
+             QStringLiteral("No se pudo guardar el doctor.\n\nOcurrió un error inesperado. El detalle "
+                            "quedó anotado en el archivo tarvenquil.log de la carpeta de datos."));
+    guarded(QStringLiteral("guardar el doctor"), fail(std::bad_alloc()));
+    QVERIFY(sp.lastMessage().endsWith(QStringLiteral("No hay memoria suficiente para terminar la operación.")));
+    QFile log(QDir(store.folder()).filePath(QStringLiteral("tarvenquil.log")));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QVERIFY(QString::fromUtf8(log.readAll()).contains(QStringLiteral("disk on fire")));
+
+    // Whole sentences of the caller's own, and what the boundary keeps of all it showed.
+    guardedSaying(QStringLiteral("Los datos se guardaron, pero la lista no se pudo mostrar."),
+                  fail(AppError(QStringLiteral("Sin acceso."))));
+    QCOMPARE(sp.lastMessage(),
+             QStringLiteral("Los datos se guardaron, pero la lista no se pudo mostrar.\n\nSin acceso."));
+    QCOMPARE(boundaryRecord().shown - shown, 5);
+    QCOMPARE(boundaryRecord().lastMessage, sp.lastMessage());
+}
+
+// What the user reads when the register screen's own steps fail: whole
+// sentences, "del" and "al" joined, the list named by its plural, and a save
+// whose list could not be shown again told as saved, the screen at rest.
+void TestHelpers::registerFailuresReadNaturally()
+{
+    test::TempStore store;
+    test::ScriptedPrompts sp;
+    {
+        ProbeRegister unnamed({});
+        unnamed.failList = true;
+        unnamed.begin();
+        QCOMPARE(sp.lastMessage(),
+                 QStringLiteral("No se pudo cargar la lista de registros.\n\nLa tabla no responde."));
+    }
+    ProbeRegister p(QStringLiteral("tipos de examen"));
+    p.begin();
+    p.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&p));
+
+    test::click(p.b.add);
+    test::type(p.name, QStringLiteral("Hematología"));
+    p.failList = true;
+    test::click(p.b.save);
+    QCOMPARE(sp.lastMessage(),
+             QStringLiteral("Los datos del tipo de examen se guardaron, pero no se pudo volver a "
+                            "mostrar la lista de tipos de examen.\n\nLa tabla no responde."));
+    QVERIFY(!p.b.save->isEnabled() && p.b.add->isEnabled() && !p.isEditing());
+    test::click(p.b.save);
+    QCOMPARE(amb1().scalar(QStringLiteral("SELECT COUNT(*) FROM TipoExamen")).toInt(), 1);
+
+    p.failList = false;
+    p.begin();
+    p.failRow = true;
+    QTest::mouseClick(p.grid->viewport(), Qt::LeftButton, {},
+                      p.grid->visualRect(p.grid->model()->index(0, 1)).center());
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudieron mostrar los datos del tipo de "
+                                              "examen.\n\nLa fila no responde."));
+    test::click(p.b.modify);
+    test::click(p.b.cancel);
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudo cancelar la edición del tipo de "
+                                              "examen.\n\nLa fila no responde."));
+}
+
+// The system's reasons for refusing a file are English; the user reads them
+// in Spanish, the log keeps them.
+void TestHelpers::fileProblemsInTheUsersWords()
+{
+    QCOMPARE(systemProblem(ENOSPC), QStringLiteral("el disco está lleno"));
+    QCOMPARE(systemProblem(EACCES), QStringLiteral("no hay permiso para usar ese archivo o esa carpeta"));
+    QCOMPARE(systemProblem(0), QStringLiteral("el sistema no lo permitió"));
+
+    // A folder that exists and takes no files, not even from the administrator.
+    test::TempStore store;
+    const BackupResult r = backupStore(QStringLiteral("/proc/respaldo.db"));
+    QVERIFY(!r.ok);
+    QVERIFY2(r.error.startsWith(QStringLiteral("no se puede escribir en la carpeta (")), qPrintable(r.error));
+    QVERIFY(!r.detail.isEmpty() && !r.error.contains(r.detail));
+
+    // A logo that cannot be written there: the laboratory's data are saved all the same.
+    test::ScriptedPrompts sp;
+    QWidget* datos = test::openScreen(QStringLiteral("FDatos"));
+    QVERIFY(datos);
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const QString png = QDir(store.folder()).filePath(QStringLiteral("logo nuevo.png"));
+    QVERIFY(picture.save(png));
+    const QString missing = QDir(store.folder()).filePath(QStringLiteral("no está.png"));
+    sp.files = {missing, png};
+    QVERIFY(test::clickNamed(datos, QStringLiteral("boton2")));
+    QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
+    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudo buscar el logo.\n\nEl archivo \"%1\" no existe.")
+                                   .arg(missing));
+    QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
+    setDataFolder(QStringLiteral("/proc"));
+    QVERIFY(test::clickNamed(datos, QStringLiteral("boton")));
+    setDataFolder(store.folder());
+    const QString prefix = QStringLiteral("Los datos del laboratorio se guardaron, pero no se pudo "
+                                          "copiar el logo: no se pudo escribir \"/proc/logo.jpg\": ");
+    QVERIFY2(sp.lastMessage().startsWith(prefix), qPrintable(sp.lastMessage()));
+    QCOMPARE(sp.lastMessage().mid(prefix.size()), systemProblem(ENOENT) + QLatin1Char('.'));
+    delete datos;
 }
 
 void TestHelpers::dataFolderChoice()

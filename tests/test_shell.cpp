@@ -2,6 +2,7 @@
 // start panel and the pause.
 #include "testsupport.h"
 
+#include "foundation/base/apperror.h"
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/passwords.h"
@@ -121,6 +122,17 @@ void submit(QWidget* f, const QString& user, const QString& password, bool enter
 
 QAction* entry(const QString& name) { return MDIForm1::instance()->findChild<QAction*>(name); }
 
+// A stand-in screen that records its making.
+void registerStandIn(const QString& name)
+{
+    ScreenRegistry::instance().add(name, [name](QWidget* parent) -> QWidget* {
+        auto* w = new QWidget(parent);
+        w->setObjectName(name);
+        created << name;
+        return w;
+    });
+}
+
 }  // namespace
 
 class TestShell : public QObject {
@@ -138,12 +150,7 @@ private slots:
             fakes << screen;
         fakes.removeDuplicates();
         for (const QString& name : fakes)
-            ScreenRegistry::instance().add(name, [name](QWidget* parent) -> QWidget* {
-                auto* w = new QWidget(parent);
-                w->setObjectName(name);
-                created << name;
-                return w;
-            });
+            registerStandIn(name);
     }
 
     void init()
@@ -406,6 +413,27 @@ private slots:
             QCOMPARE(sp->messages().size(), 1);
             QVERIFY(sp->lastMessage().contains("DataReport19"));
         }
+    }
+
+    // A failed entry or panel picture is named by its caption in the message.
+    void failuresNameTheEntry()
+    {
+        submit(showSignOn(), "admin", "admin");
+        const auto failing = [](QWidget*) -> QWidget* {
+            throw AppError(QStringLiteral("Falta un archivo de la pantalla."));
+        };
+        ScreenRegistry::instance().add("Form9", failing);
+        ScreenRegistry::instance().add("Form5", failing);
+        entry("busqueda")->trigger();
+        QCOMPARE(sp->lastMessage(), QString("No se pudo abrir «Busqueda de Factura».\n\n"
+                                            "Falta un archivo de la pantalla."));
+        QTest::mouseClick(control<QToolButton>(MDIForm1::instance()->panel(), "Image1"),
+                          Qt::LeftButton);
+        QCOMPARE(sp->lastMessage(),
+                 QString("No se pudo abrir «Pacientes».\n\nFalta un archivo de la pantalla."));
+        QCOMPARE(sp->prompts.last().icon, Icon::Critical);
+        registerStandIn("Form9");
+        registerStandIn("Form5");
     }
 
     void leavingTheSystem_data()

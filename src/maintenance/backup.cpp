@@ -1,6 +1,7 @@
 #include "maintenance/backup.h"
 
 #include "foundation/data/amb1.h"
+#include "foundation/ui/errors.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +9,7 @@
 #include <QSqlDriver>
 #include <QTemporaryFile>
 #include <QVariant>
+#include <cerrno>
 #include <filesystem>
 #include <sqlite3.h>
 #include <system_error>
@@ -16,7 +18,34 @@ namespace tq {
 
 namespace {
 
-BackupResult failed(const QString& why) { return {false, why}; }
+BackupResult failed(const QString& why, const QString& detail = {}) { return {false, why, detail}; }
+
+// SQLite's answer in the user's words; its own text is English.
+QString sqliteProblem(int rc)
+{
+    switch (rc & 0xff) {
+    case SQLITE_CANTOPEN: return QStringLiteral("no se pudo abrir el archivo");
+    case SQLITE_FULL: return QStringLiteral("el disco está lleno");
+    case SQLITE_IOERR: return QStringLiteral("el disco falló al leer o escribir");
+    case SQLITE_READONLY: return QStringLiteral("el archivo es de solo lectura");
+    case SQLITE_PERM:
+    case SQLITE_AUTH: return QStringLiteral("no hay permiso para usar el archivo");
+    case SQLITE_NOMEM: return QStringLiteral("no hay memoria suficiente");
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return QStringLiteral("la base de datos está ocupada en otra operación");
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB: return QStringLiteral("el archivo está dañado o no es una base de datos");
+    default: break;
+    }
+    return QStringLiteral("la base de datos respondió con el código de error %1").arg(rc);
+}
+
+// Why a copy failed: the user's words, and SQLite's own for the log.
+struct CopyProblem {
+    QString why;
+    QString detail;
+    bool isEmpty() const { return why.isEmpty(); }
+};
 
 std::filesystem::path nativePath(const QString& path)
 {
@@ -40,40 +69,41 @@ sqlite3* storeHandle()
 }
 
 // Copies every page of `source` into the file `file` (an empty file).
-QString copyPages(sqlite3* source, const QString& file)
+CopyProblem copyPages(sqlite3* source, const QString& file)
 {
     sqlite3* dest = nullptr;
     const QByteArray name = QFile::encodeName(file);
     int rc = sqlite3_open_v2(name.constData(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                              nullptr);
     if (rc != SQLITE_OK) {
-        const QString why = dest ? QString::fromUtf8(sqlite3_errmsg(dest))
-                                 : QString::fromUtf8(sqlite3_errstr(rc));
+        const QString detail = dest ? QString::fromUtf8(sqlite3_errmsg(dest))
+                                    : QString::fromUtf8(sqlite3_errstr(rc));
         sqlite3_close(dest);
-        return QStringLiteral("no se pudo crear el archivo (%1)").arg(why);
+        return {QStringLiteral("no se pudo crear el archivo (%1)").arg(sqliteProblem(rc)), detail};
     }
-    QString error;
+    CopyProblem problem;
     sqlite3_backup* backup = sqlite3_backup_init(dest, "main", source, "main");
     if (!backup) {
-        error = QStringLiteral("no se pudo iniciar la copia (%1)")
-                    .arg(QString::fromUtf8(sqlite3_errmsg(dest)));
+        problem = {QStringLiteral("no se pudo iniciar la copia (%1)")
+                       .arg(sqliteProblem(sqlite3_errcode(dest))),
+                   QString::fromUtf8(sqlite3_errmsg(dest))};
     } else {
         // All pages in one step: the program is single-threaded, so nothing
         // writes to the store while the copy runs.
         rc = sqlite3_backup_step(backup, -1);
         const int finish = sqlite3_backup_finish(backup);
         if (rc != SQLITE_DONE)
-            error = QStringLiteral("la copia se interrumpió (%1)")
-                        .arg(QString::fromUtf8(sqlite3_errstr(rc)));
+            problem = {QStringLiteral("la copia se interrumpió (%1)").arg(sqliteProblem(rc)),
+                       QString::fromUtf8(sqlite3_errstr(rc))};
         else if (finish != SQLITE_OK)
-            error = QStringLiteral("la copia no se completó (%1)")
-                        .arg(QString::fromUtf8(sqlite3_errstr(finish)));
+            problem = {QStringLiteral("la copia no se completó (%1)").arg(sqliteProblem(finish)),
+                       QString::fromUtf8(sqlite3_errstr(finish))};
     }
     rc = sqlite3_close(dest);
-    if (error.isEmpty() && rc != SQLITE_OK)
-        error = QStringLiteral("no se pudo cerrar la copia (%1)")
-                    .arg(QString::fromUtf8(sqlite3_errstr(rc)));
-    return error;
+    if (problem.isEmpty() && rc != SQLITE_OK)
+        problem = {QStringLiteral("no se pudo cerrar la copia (%1)").arg(sqliteProblem(rc)),
+                   QString::fromUtf8(sqlite3_errstr(rc))};
+    return problem;
 }
 
 }  // namespace
@@ -100,22 +130,27 @@ BackupResult backupStore(const QString& target)
     // The temporary file sits beside the target, on the same disk, so that
     // the final rename is a single step.
     QTemporaryFile temp(folder.filePath(QStringLiteral(".%1.XXXXXX").arg(info.fileName())));
-    if (!temp.open())
-        return failed(QStringLiteral("no se puede escribir en la carpeta (%1)").arg(temp.errorString()));
+    errno = 0;
+    if (!temp.open()) {
+        const int why = errno;
+        return failed(QStringLiteral("no se puede escribir en la carpeta (%1)").arg(systemProblem(why)),
+                      temp.errorString());
+    }
     const QString tempName = temp.fileName();
     temp.close();
 
-    const QString error = copyPages(source, tempName);
-    if (!error.isEmpty())
-        return failed(error);   // the temporary file goes with `temp`
+    const CopyProblem problem = copyPages(source, tempName);
+    if (!problem.isEmpty())
+        return failed(problem.why, problem.detail);   // the temporary file goes with `temp`
 
     std::error_code ec;
     std::filesystem::rename(nativePath(tempName), nativePath(info.absoluteFilePath()), ec);
     if (ec)
         return failed(QStringLiteral("no se pudo reemplazar el archivo (%1)")
-                          .arg(QString::fromLocal8Bit(ec.message().c_str())));
+                          .arg(systemProblem(ec.value())),
+                      QString::fromLocal8Bit(ec.message().c_str()));
     temp.setAutoRemove(false);   // its name now belongs to the target
-    return {true, {}};
+    return {true, {}, {}};
 }
 
 }  // namespace tq

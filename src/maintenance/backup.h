@@ -6,7 +6,8 @@ namespace tq {
 
 struct BackupResult {
     bool ok = false;
-    QString error;   // why the copy could not be made, in Spanish; empty when ok
+    QString error;    // why the copy could not be made, in Spanish; empty when ok
+    QString detail;   // the system's own words for it, for the log
 };
 
 // Copies the store held open by amb1 into `target`, replacing a file of that

@@ -93,7 +93,8 @@ void frmBackup::startBackup()
     m_target = chosen + '.' + suffix;
     m_result = backupStore(m_target);
     if (!m_result.ok)
-        logLine(QStringLiteral("Respaldo fallido en %1: %2").arg(m_target, m_result.error));
+        logLine(QStringLiteral("Respaldo fallido en %1: %2 | %3")
+                    .arg(m_target, m_result.error, m_result.detail));
     m_timer->start();
 }
 

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 
@@ -57,6 +58,7 @@ void ScriptedPrompts::clear()
     answers.clear();
     inputs.clear();
     files.clear();
+    printers.clear();
     ended = false;
 }
 
@@ -105,6 +107,16 @@ QString ScriptedPrompts::saveFile(const QString& caption, const QString& propose
     return f;
 }
 
+bool ScriptedPrompts::choosePrinter(QPrinter*, const QString& title)
+{
+    prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
+    if (printers.empty())
+        return false;
+    const bool accepted = printers.front();
+    printers.pop_front();
+    return accepted;
+}
+
 void ScriptedPrompts::showModal(QWidget* screen)
 {
     prompts.append({Prompt::Modal, screen->objectName(), Icon::None, {}, Buttons::Ok});
@@ -129,10 +141,28 @@ void ScriptedPrompts::endProgram()
     ended = true;
 }
 
+void typeKeys(QWidget* w, const QString& text)
+{
+    for (QChar c : text) {
+        // QTest's own table knows only ASCII; the laboratory's texts are
+        // full of accents and "ñ".
+        if (c.unicode() < 0x80) {
+            QTest::keyClick(w, char(c.unicode()));
+            continue;
+        }
+        const QChar upper = c.toUpper();
+        const int key = upper.unicode() < 0x100 ? upper.unicode() : int(Qt::Key_unknown);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(c));
+        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(w, &press);
+        QApplication::sendEvent(w, &release);
+    }
+}
+
 void type(QWidget* w, const QString& text)
 {
     w->setFocus();
-    QTest::keyClicks(w, text);
+    typeKeys(w, text);
 }
 
 void retype(QWidget* w, const QString& text)
@@ -143,7 +173,7 @@ void retype(QWidget* w, const QString& text)
     else
         QTest::keyClick(w, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(w, Qt::Key_Delete);
-    QTest::keyClicks(w, text);
+    typeKeys(w, text);
 }
 
 void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods) { QTest::keyClick(w, key, mods); }

@@ -31,15 +31,15 @@ private:
 };
 
 struct Prompt {
-    enum Kind { Message, Input, OpenFile, SaveFile, Modal, End } kind = Message;
-    QString text;     // message or input prompt; screen name for Modal
+    enum Kind { Message, Input, OpenFile, SaveFile, Modal, End, Printer } kind = Message;
+    QString text;     // message or input prompt; screen name for Modal; title for Printer
     Icon icon = Icon::None;
     QString title;
     Buttons buttons = Buttons::Ok;
 };
 
 // Records every prompt. Questions are answered from a queue (Yes when empty),
-// input boxes and file dialogs from their own queues (cancel when empty),
+// input boxes, file and printer dialogs from their own queues (cancel when empty),
 // modal screens by the handler given for their name (closed at once when none).
 class ScriptedPrompts : public PromptService {
 public:
@@ -50,6 +50,7 @@ public:
     std::deque<Answer> answers;
     std::deque<std::optional<QString>> inputs;
     std::deque<QString> files;
+    std::deque<bool> printers;   // true: the printer dialog is accepted
     bool ended = false;
 
     void onModal(const QString& screen, std::function<void(QWidget*)> handler);
@@ -64,6 +65,7 @@ public:
                                  const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
+    bool choosePrinter(QPrinter* printer, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 
@@ -81,6 +83,8 @@ T* control(QObject* root, const QString& name)
 
 // Types the text into the focused-or-given widget with real key presses.
 void type(QWidget* w, const QString& text);
+// The key presses of `text`, accents and "ñ" included, sent to `w`.
+void typeKeys(QWidget* w, const QString& text);
 // Replaces the text of a line edit through the keyboard (select all, type).
 void retype(QWidget* w, const QString& text);
 void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifier);

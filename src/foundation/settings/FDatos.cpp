@@ -18,10 +18,21 @@
 #include <QPixmap>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <cerrno>
 
 using namespace tq;
 
 namespace {
+
+// A file call that failed just now: what was being done, in the user's words;
+// the system's own (English) words go to the log.
+QString refused(const char* doing, const QString& path, const QFileDevice& file)
+{
+    const int why = errno;
+    logLine(QStringLiteral("Logo: %1 \"%2\": %3")
+                .arg(QString::fromUtf8(doing), path, file.errorString()));
+    return QStringLiteral("%1 \"%2\": %3.").arg(QString::fromUtf8(doing), path, systemProblem(why));
+}
 
 // Puts the chosen picture in the data folder as logo.jpg, over any older
 // one; report headings and result sheets read it from there. Returns an empty
@@ -43,10 +54,10 @@ QString storeLogo(const QString& source, const QString& target)
         // A JPEG goes as it is; without a JPEG writer so does anything else.
         QFile in(source);
         if (!in.open(QIODevice::ReadOnly))
-            return QStringLiteral("no se pudo leer \"%1\": %2").arg(source, in.errorString());
+            return refused("no se pudo leer", source, in);
         const QByteArray bytes = in.readAll();
         if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
-            return QStringLiteral("no se pudo escribir \"%1\": %2").arg(target, out.errorString());
+            return refused("no se pudo escribir", target, out);
     } else {
         // Other pictures are converted, so that logo.jpg really is a JPEG.
         const QImage image(source);
@@ -60,10 +71,10 @@ QString storeLogo(const QString& source, const QString& target)
             p.drawImage(0, 0, image);
         }
         if (!out.open(QIODevice::WriteOnly) || !flat.save(&out, "JPG", 95))
-            return QStringLiteral("no se pudo escribir \"%1\": %2").arg(target, out.errorString());
+            return refused("no se pudo escribir", target, out);
     }
     if (!out.commit())
-        return QStringLiteral("no se pudo reemplazar \"%1\": %2").arg(target, out.errorString());
+        return refused("no se pudo reemplazar", target, out);
     return {};
 }
 
@@ -75,7 +86,7 @@ FDatos::FDatos(QWidget* parent) : QWidget(parent, Qt::Window), ui(std::make_uniq
     setObjectName(QStringLiteral("FDatos"));
     setAttribute(Qt::WA_DeleteOnClose);
 
-    onClick(ui->boton2, QStringLiteral("abrir los datos del laboratorio"), [this] {
+    onClick(ui->boton2, QStringLiteral("preparar los datos del laboratorio para cambiarlos"), [this] {
         lock(false);
         ui->Text1->setFocus();
     });
@@ -158,6 +169,8 @@ void FDatos::chooseLogo()
                                               QStringLiteral("Imagenes (*.jpg *.jpeg *.png *.bmp)"));
     if (chosen.isEmpty())
         return;
+    if (!QFileInfo(chosen).isFile())
+        throw AppError(QStringLiteral("El archivo \"%1\" no existe.").arg(chosen));
     if (QPixmap(chosen).isNull())
         throw AppError(
             QStringLiteral("El archivo \"%1\" no es una imagen que se pueda mostrar.").arg(chosen));

@@ -19,7 +19,7 @@ RateScreen::RateScreen(const Config& config, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose);
     ui->lblText1->setText(m_config.caption);
 
-    onClick(ui->boton2, QStringLiteral("abrir el valor para cambiarlo"), [this] {
+    onClick(ui->boton2, QStringLiteral("preparar el valor para cambiarlo"), [this] {
         lock(false);
         ui->Text1->setFocus();
         ui->Text1->selectAll();

@@ -131,21 +131,17 @@ MDIForm1::MDIForm1(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<U
     m_panelWindow->show();
     fitPanel();
 
-    connect(m_panel, &Form4::pacientes, this, [this] {
-        tq::guarded(QStringLiteral("abrir Pacientes"), [this] { openPacientes(); });
-    });
-    connect(m_panel, &Form4::examenes, this, [this] {
-        tq::guarded(QStringLiteral("abrir Examenes"), [this] { openExamenes(); });
-    });
-    connect(m_panel, &Form4::empleados, this, [this] {
-        tq::guarded(QStringLiteral("abrir Empleados"), [this] { openEmpleados(); });
-    });
-    connect(m_panel, &Form4::facturacion, this, [this] {
-        tq::guarded(QStringLiteral("abrir Facturación"), [this] { openFacturacion(true); });
-    });
-    connect(m_panel, &Form4::resultados, this, [this] {
-        tq::guarded(QStringLiteral("abrir Resultados"), [this] { openResultados(); });
-    });
+    // The panel's pictures, named in messages by their captions.
+    auto panelEntry = [this](void (Form4::*signal)(), const char* caption,
+                             std::function<void()> fn) {
+        const QString what = QStringLiteral("abrir «%1»").arg(QString::fromUtf8(caption));
+        connect(m_panel, signal, this, [what, fn = std::move(fn)] { tq::guarded(what, fn); });
+    };
+    panelEntry(&Form4::pacientes, "Pacientes", [this] { openPacientes(); });
+    panelEntry(&Form4::examenes, "Examenes", [this] { openExamenes(); });
+    panelEntry(&Form4::empleados, "Empleados", [this] { openEmpleados(); });
+    panelEntry(&Form4::facturacion, "Facturación", [this] { openFacturacion(true); });
+    panelEntry(&Form4::resultados, "Resultados", [this] { openResultados(); });
     connect(m_panel, &Form4::salirSistema, this, &QWidget::close);
 
     wireMenu();
@@ -175,8 +171,10 @@ QMdiArea* MDIForm1::area() const { return ui->mdiArea; }
 
 void MDIForm1::wireMenu()
 {
-    auto on = [this](QAction* action, std::function<void()> fn) {
-        const QString what = QStringLiteral("abrir %1").arg(entryCaption(action));
+    // A failed entry is named by its caption: "No se pudo abrir «Control Doctores»."
+    auto on = [this](QAction* action, std::function<void()> fn, QString what = {}) {
+        if (what.isEmpty())
+            what = QStringLiteral("abrir «%1»").arg(entryCaption(action));
         connect(action, &QAction::triggered, this,
                 [what, fn = std::move(fn)] { tq::guarded(what, fn); });
     };
@@ -193,12 +191,12 @@ void MDIForm1::wireMenu()
             on(a, [this, screen] { openModeless(screen); });
     }
 
-    on(ui->sesion, [this] { signOff(); });
+    on(ui->sesion, [this] { signOff(); }, QStringLiteral("cerrar la sesión"));
     // Leaving the system is asked first, as on the start panel.
     on(ui->salir, [this] {
         if (tq::prompts().ask(QStringLiteral("Esta Seguro que Desea Salir del Sistema")))
             quitSystem();
-    });
+    }, QStringLiteral("salir del sistema"));
     on(ui->paci, [this] { openPacientes(); });
     on(ui->exa, [this] { openExamenes(); });
     on(ui->emple, [this] { openEmpleados(); });

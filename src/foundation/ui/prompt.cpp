@@ -8,12 +8,16 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QScreen>
 #include <QWidget>
 
 namespace tq {
 
 PromptService::~PromptService() = default;
+
+bool PromptService::choosePrinter(QPrinter*, const QString&) { return false; }
 
 bool PromptService::ask(const QString& text, const QString& title)
 {
@@ -128,6 +132,13 @@ QString QtPromptService::saveFile(const QString& caption, const QString& propose
     // replace or question the name typed.
     return QFileDialog::getSaveFileName(activeParent(), caption, proposed, filter, nullptr,
                                         QFileDialog::DontConfirmOverwrite);
+}
+
+bool QtPromptService::choosePrinter(QPrinter* printer, const QString& title)
+{
+    QPrintDialog dlg(printer, activeParent());
+    dlg.setWindowTitle(title);
+    return dlg.exec() == QDialog::Accepted;
 }
 
 void QtPromptService::showModal(QWidget* screen)

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <optional>
 
+class QPrinter;
 class QWidget;
 
 namespace tq {
@@ -38,6 +39,12 @@ public:
     virtual QString saveFile(const QString& caption, const QString& proposed,
                              const QString& filter) = 0;
 
+    // The printer dialog: sets up `printer`; false when cancelled. A service
+    // that shows no printer dialog answers as the user who cancels: nothing
+    // is printed.
+    virtual bool choosePrinter(QPrinter* printer,
+                               const QString& title = QString::fromLatin1(kAppTitle));
+
     // Shows a screen modally and returns when it has closed. The screen is
     // deleted on close (Qt::WA_DeleteOnClose is set by the service).
     virtual void showModal(QWidget* screen) = 0;
@@ -65,6 +72,7 @@ public:
                                  const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
+    bool choosePrinter(QPrinter* printer, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 };

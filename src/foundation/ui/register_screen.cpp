@@ -18,6 +18,23 @@ namespace tq {
 
 static const char* kNoRowChosen = "Debe seleccionar un registro de la lista";
 
+// "de" before the record's noun, joined with its article: "del empleado",
+// "de la aseguradora".
+static QString ofNoun(const QString& noun)
+{
+    if (noun.startsWith(QLatin1String("el ")))
+        return QStringLiteral("del ") + noun.mid(3);
+    return QStringLiteral("de ") + noun;
+}
+
+// The sentence for rows already stored whose list could not be shown again:
+// the user must not take the save for failed and make it twice.
+static QString storedButNotShown(const QString& noun, const QString& list, const char* done)
+{
+    return QStringLiteral("Los datos %1 se %2, pero no se pudo volver a mostrar %3.")
+        .arg(ofNoun(noun), QLatin1String(done), list);
+}
+
 RegisterScreen::RegisterScreen(QWidget* parent) : QWidget(parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -42,7 +59,7 @@ void RegisterScreen::setUpRegister(const RegisterButtons& buttons, const QList<Q
     if (m_buttons.save)
         onClick(m_buttons.save, QStringLiteral("guardar ") + noun, [this] { save(); });
     if (m_buttons.cancel)
-        onClick(m_buttons.cancel, QStringLiteral("cancelar la edición de ") + noun,
+        onClick(m_buttons.cancel, QStringLiteral("cancelar la edición ") + ofNoun(noun),
                 [this] { cancel(); });
     if (m_buttons.exit)
         onClick(m_buttons.exit, QStringLiteral("cerrar la pantalla"), [this] { close(); });
@@ -51,14 +68,15 @@ void RegisterScreen::setUpRegister(const RegisterButtons& buttons, const QList<Q
         connect(g, &DataGrid::rowChosen, this, [this](int row) {
             if (m_editing)
                 return;
-            guarded(QStringLiteral("mostrar ") + m_noun, [this, row] { chooseRow(row); });
+            guarded(QStringLiteral("mostrar los datos ") + ofNoun(m_noun),
+                    [this, row] { chooseRow(row); });
         });
     }
 }
 
 void RegisterScreen::start()
 {
-    const bool ok = guarded(QStringLiteral("cargar la lista de ") + m_noun, [this] {
+    const bool ok = guarded(QStringLiteral("cargar ") + listPhrase(), [this] {
         loadGrid();
         const DataGrid* g = dataGrid();
         const int rows = g ? g->rows() : -1;
@@ -77,6 +95,12 @@ void RegisterScreen::start()
         restControls();
         clearSelection();
     }
+}
+
+QString RegisterScreen::listPhrase() const
+{
+    return QStringLiteral("la lista de ")
+           + (m_listNoun.isEmpty() ? QStringLiteral("registros") : m_listNoun);
 }
 
 DataGrid* RegisterScreen::dataGrid() const { return qobject_cast<DataGrid*>(m_grid.data()); }
@@ -259,8 +283,11 @@ void RegisterScreen::save()
         t.commit();
     }
     // The rows are stored; what fails from here on is only the showing of them.
-    guarded(QStringLiteral("mostrar la lista de ") + m_noun,
-            [this, mode, newCode] { afterSave(mode, newCode); });
+    // Rows stored and not shown still leave the screen at rest, so that a
+    // second "Guardar" cannot store them twice.
+    if (!guardedSaying(storedButNotShown(m_noun, listPhrase(), "guardaron"),
+                       [this, mode, newCode] { afterSave(mode, newCode); }))
+        restControls();
 }
 
 void RegisterScreen::afterSave(int mode, const QVariant& newCode)
@@ -311,7 +338,11 @@ void RegisterScreen::remove()
         deleteSelected();
         t.commit();
     }
-    guarded(QStringLiteral("mostrar la lista de ") + m_noun, [this] { afterDelete(); });
+    if (!guardedSaying(storedButNotShown(m_noun, listPhrase(), "eliminaron"),
+                       [this] { afterDelete(); })) {
+        clearSelection();
+        restControls();
+    }
 }
 
 void RegisterScreen::afterDelete()

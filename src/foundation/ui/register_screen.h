@@ -61,13 +61,17 @@ public:
 protected:
     explicit RegisterScreen(QWidget* parent = nullptr);
 
-    // `noun` names the record in error messages ("el empleado").
+    // `noun` names the record in error messages ("el empleado"); the list is
+    // "la lista de registros" unless the screen names it with setListNoun().
     // `grid` is locked in edit; a DataGrid is also wired so that choosing a
     // row shows it. `restOnly` are further controls that follow the
     // Agregar/Modificar/Eliminar buttons (on at rest, off in edit).
     void setUpRegister(const RegisterButtons& buttons, const QList<QWidget*>& fields,
                        QWidget* grid, const QString& noun,
                        const QList<QWidget*>& restOnly = {});
+    // The plural that names the rows of the list in messages ("empleados":
+    // "No se pudo cargar la lista de empleados."). Call before start().
+    void setListNoun(const QString& plural) { m_listNoun = plural; }
     // Loads the list, shows the first row (or tells that there is none) and
     // puts the screen at rest. Call at the end of the screen's constructor.
     void start();
@@ -133,6 +137,8 @@ protected:
     // Shows a refusal: its message with its icon, the focus on its field.
     void refuse(const Refusal& r);
     QString noun() const { return m_noun; }
+    // "la lista de empleados" (or "la lista de registros").
+    QString listPhrase() const;
     DataGrid* dataGrid() const;
     QWidget* gridWidget() const { return m_grid; }
     const QList<QWidget*>& fields() const { return m_fields; }
@@ -150,6 +156,7 @@ private:
     QList<QWidget*> m_restOnly;
     QPointer<QWidget> m_grid;
     QString m_noun;
+    QString m_listNoun;
     std::int16_t m_mode = NoMode;
     std::int32_t m_selectedCode = 0;
     bool m_hasSelection = false;

@@ -1,0 +1,67 @@
+#include "invariants.h"
+
+#include "foundation/base/apperror.h"
+#include "foundation/data/amb1.h"
+
+namespace tq::test {
+
+namespace {
+
+// A column holding a whole number, never null, text or a fraction.
+QString notWhole(const QString& column)
+{
+    return QStringLiteral("(%1 IS NULL OR %1 <> CAST(%1 AS INTEGER))").arg(column);
+}
+
+Invariant keyed(const QString& table, const QString& key)
+{
+    return {QStringLiteral("%1 sin código vacío").arg(table),
+            QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(table, notWhole(key))};
+}
+
+}  // namespace
+
+const QList<Invariant>& storeInvariants()
+{
+    static const QList<Invariant> list = {
+        {QStringLiteral("usuariosmodulos: pares de números enteros"),
+         QStringLiteral("SELECT COUNT(*) FROM usuariosmodulos WHERE %1 OR %2")
+             .arg(notWhole(QStringLiteral("cod_empleado")), notWhole(QStringLiteral("cod_modulo")))},
+        // Every employee gets the module rights when added, in the same save.
+        {QStringLiteral("Empleados: cada empleado con sus derechos de módulo"),
+         QStringLiteral("SELECT COUNT(*) FROM Empleados e WHERE NOT EXISTS (SELECT 1 FROM "
+                        "usuariosmodulos m WHERE m.cod_empleado = e.cod_empleado)")},
+        // The registers and the other master tables.
+        keyed(QStringLiteral("Empleados"), QStringLiteral("cod_empleado")),
+        keyed(QStringLiteral("Doctores"), QStringLiteral("Cod_doctor")),
+        keyed(QStringLiteral("Pacientes"), QStringLiteral("cod_paciente")),
+        keyed(QStringLiteral("Examenes"), QStringLiteral("cod_descripcionexamen")),
+        keyed(QStringLiteral("TipoExamen"), QStringLiteral("cod_tipo_examen")),
+        keyed(QStringLiteral("seguros"), QStringLiteral("Cod_Seguro")),
+        keyed(QStringLiteral("parametros"), QStringLiteral("cod_parametro")),
+        keyed(QStringLiteral("Plantilla"), QStringLiteral("Cod_Plantilla")),
+        keyed(QStringLiteral("Insumos"), QStringLiteral("Cod_Item")),
+        keyed(QStringLiteral("proveedor"), QStringLiteral("prvcod")),
+    };
+    return list;
+}
+
+QStringList brokenInvariants()
+{
+    QStringList broken;
+    try {
+        const QString integrity = amb1().scalar(QStringLiteral("PRAGMA integrity_check")).toString();
+        if (integrity != QLatin1String("ok"))
+            broken << QStringLiteral("integrity_check: %1").arg(integrity);
+        for (const Invariant& inv : storeInvariants()) {
+            const int rows = amb1().scalar(inv.sql).toInt();
+            if (rows != 0)
+                broken << QStringLiteral("%1: %2 filas").arg(inv.name).arg(rows);
+        }
+    } catch (const AppError& e) {
+        broken << QStringLiteral("no se pudo revisar la base de datos: %1").arg(e.message());
+    }
+    return broken;
+}
+
+}  // namespace tq::test

@@ -1,0 +1,469 @@
+#include "random_user.h"
+
+#include "foundation/ui/errors.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDir>
+#include <QImage>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabBar>
+#include <QTableView>
+#include <QTextEdit>
+#include <QTimer>
+#include <QToolButton>
+
+namespace tq::test {
+
+const QStringList& nastyTexts()
+{
+    static const QStringList texts = {
+        QStringLiteral("O'Brien"),
+        QStringLiteral("\"comillas\" y 'apóstrofos'"),
+        QStringLiteral("'; DROP TABLE Pacientes; --"),
+        QStringLiteral("ñandú ").repeated(1667).left(10000),
+        QStringLiteral("Núñez Peña, María José"),
+        QStringLiteral("😀🧪"),
+        QStringLiteral("-1"),
+        QStringLiteral("0"),
+        QStringLiteral("99999999999"),
+        QStringLiteral("1e308"),
+        QStringLiteral("12/5"),
+        QStringLiteral("/"),
+        QStringLiteral("   "),
+        QString(),
+        QStringLiteral("15/03/2024"),
+        QStringLiteral("31/02/2026"),
+        QStringLiteral("0.03"),
+        QStringLiteral("admin"),
+    };
+    return texts;
+}
+
+// ------------------------------------------------------------------ prompts
+
+RandomPrompts::RandomPrompts(Dice& dice, const QString& folder) : m_dice(dice)
+{
+    m_previous = installPrompts(this);
+    m_boundarySeen = boundaryRecord().shown;
+    const QDir dir(folder);
+    dir.mkpath(QStringLiteral("archivos"));
+    const QString picture = dir.filePath(QStringLiteral("archivos/logo nuevo.png"));
+    QImage image(8, 8, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    image.save(picture);
+    const QString missing = dir.filePath(QStringLiteral("no existe/archivo"));
+    // Cancelled, a path that does not exist, a real picture, a file that is no
+    // picture, a folder.
+    m_openAnswers = {QString(), missing, picture, dir.filePath(QStringLiteral("lab.db")),
+                     dir.filePath(QStringLiteral("archivos"))};
+    // Cancelled, a folder that does not exist, a good place, the store itself
+    // (the store's suffix is added to what is chosen), an existing folder, a
+    // folder that takes no files, not even from the system's administrator.
+    m_saveAnswers = {QString(),
+                     missing,
+                     dir.filePath(QStringLiteral("archivos/copia")),
+                     dir.filePath(QStringLiteral("lab")),
+                     dir.filePath(QStringLiteral("archivos")),
+                     QStringLiteral("/proc/respaldo")};
+}
+
+RandomPrompts::~RandomPrompts() { installPrompts(m_previous); }
+
+Answer RandomPrompts::message(const QString& text, Icon icon, const QString& title,
+                              Buttons buttons)
+{
+    prompts.append({Prompt::Message, text, icon, title, buttons});
+    if (boundaryRecord().shown != m_boundarySeen) {
+        m_boundarySeen = boundaryRecord().shown;
+        boundaryMessages << text;
+    }
+    switch (buttons) {
+    case Buttons::Ok: return Answer::Ok;
+    case Buttons::OkCancel: return m_dice.chance(50) ? Answer::Ok : Answer::Cancel;
+    case Buttons::YesNo: return m_dice.chance(50) ? Answer::Yes : Answer::No;
+    case Buttons::YesNoCancel:
+        return m_dice.pick(QList<Answer>{Answer::Yes, Answer::No, Answer::Cancel});
+    }
+    return Answer::Cancel;
+}
+
+std::optional<QString> RandomPrompts::input(const QString& prompt, const QString& title,
+                                            const QString&)
+{
+    prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
+    if (m_dice.chance(25))
+        return std::nullopt;
+    if (m_dice.chance(30))
+        return QString::number(m_dice.below(40));
+    return m_dice.pick(nastyTexts());
+}
+
+QString RandomPrompts::openFile(const QString& caption, const QString&, const QString&)
+{
+    prompts.append({Prompt::OpenFile, caption, Icon::None, caption, Buttons::OkCancel});
+    return m_dice.pick(m_openAnswers);
+}
+
+QString RandomPrompts::saveFile(const QString& caption, const QString& proposed, const QString&)
+{
+    prompts.append({Prompt::SaveFile, proposed, Icon::None, caption, Buttons::OkCancel});
+    return m_dice.pick(m_saveAnswers);
+}
+
+bool RandomPrompts::choosePrinter(QPrinter*, const QString& title)
+{
+    prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
+    return m_dice.chance(50);
+}
+
+void RandomPrompts::showModal(QWidget* screen)
+{
+    prompts.append({Prompt::Modal, screen->objectName(), Icon::None, {}, Buttons::Ok});
+    QPointer<QWidget> guard(screen);
+    screen->setAttribute(Qt::WA_DeleteOnClose);
+    screen->show();
+    QCoreApplication::sendPostedEvents();
+    if (m_depth < maxDepth && onModal && guard) {
+        ++m_depth;
+        struct Leave {
+            int& depth;
+            ~Leave() { --depth; }
+        } leave{m_depth};
+        onModal(screen);
+    }
+    // A screen that refuses to close is taken away all the same: its caller
+    // waits for it to be gone.
+    if (guard)
+        guard->close();
+    if (guard && guard->isVisible()) {
+        guard->hide();
+        guard->deleteLater();
+    }
+}
+
+void RandomPrompts::endProgram()
+{
+    prompts.append({Prompt::End, {}, Icon::None, {}, Buttons::Ok});
+    ++ends;
+}
+
+// ------------------------------------------------------------------ the user
+
+namespace {
+
+// What a window offers to a user right now.
+struct Offer {
+    QList<QAbstractButton*> buttons;
+    QList<QWidget*> fields;            // line edits, text boxes, spin and date boxes, editable combos
+    QList<QAbstractItemView*> grids;   // with at least one row
+    QList<QComboBox*> combos;
+    QList<QTabBar*> tabs;
+    QList<QAction*> actions;
+    QList<QTimer*> timers;
+};
+
+void addMenu(const QMenu* menu, QList<QAction*>& out)
+{
+    if (!menu || !menu->isEnabled())
+        return;
+    for (QAction* a : menu->actions()) {
+        if (a->isSeparator() || !a->isEnabled() || !a->isVisible())
+            continue;
+        if (a->menu())
+            addMenu(a->menu(), out);
+        else
+            out << a;
+    }
+}
+
+bool insideOf(const QWidget* w, const char* className)
+{
+    for (const QWidget* p = w->parentWidget(); p; p = p->parentWidget())
+        if (p->inherits(className))
+            return true;
+    return false;
+}
+
+Offer offerOf(QWidget* window)
+{
+    Offer o;
+    for (QWidget* w : window->findChildren<QWidget*>()) {
+        if (!w->isVisible() || !w->isEnabled())
+            continue;
+        if (auto* bar = qobject_cast<QMenuBar*>(w)) {
+            for (QAction* a : bar->actions())
+                if (a->isEnabled() && a->isVisible())
+                    addMenu(a->menu(), o.actions);
+        } else if (auto* b = qobject_cast<QAbstractButton*>(w)) {
+            // A button with a menu would open it with its own loop; its entries are offered instead.
+            const auto* push = qobject_cast<QPushButton*>(b);
+            const auto* tool = qobject_cast<QToolButton*>(b);
+            if (QMenu* m = push ? push->menu() : tool ? tool->menu() : nullptr)
+                addMenu(m, o.actions);
+            else
+                o.buttons << b;
+        } else if (auto* c = qobject_cast<QComboBox*>(w)) {
+            o.combos << c;
+            if (c->isEditable())
+                o.fields << c;
+        } else if (qobject_cast<QLineEdit*>(w)) {
+            if (!insideOf(w, "QComboBox") && !insideOf(w, "QAbstractSpinBox"))
+                o.fields << w;
+        } else if (qobject_cast<QTextEdit*>(w) || qobject_cast<QPlainTextEdit*>(w)
+                   || qobject_cast<QAbstractSpinBox*>(w)) {
+            o.fields << w;
+        } else if (auto* v = qobject_cast<QAbstractItemView*>(w)) {
+            if (v->model() && v->model()->rowCount(v->rootIndex()) > 0)
+                o.grids << v;
+        } else if (auto* t = qobject_cast<QTabBar*>(w)) {
+            if (t->count() > 1)
+                o.tabs << t;
+        }
+    }
+    for (QTimer* t : window->findChildren<QTimer*>())
+        if (t->isActive())
+            o.timers << t;
+    return o;
+}
+
+QString nameOf(const QObject* o)
+{
+    if (!o->objectName().isEmpty())
+        return o->objectName();
+    return QString::fromLatin1(o->metaObject()->className());
+}
+
+QString shown(const QString& text)
+{
+    if (text.size() > 30)
+        return QStringLiteral("«%1…» (%2 caracteres)").arg(text.left(12)).arg(text.size());
+    return QStringLiteral("«%1»").arg(text);
+}
+
+const QList<Qt::Key> kKeys = {
+    Qt::Key_Return, Qt::Key_Enter, Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Escape,
+    Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Up,  Qt::Key_Down,    Qt::Key_Home,
+    Qt::Key_End,    Qt::Key_Space,  Qt::Key_0,      Qt::Key_1,       Qt::Key_5,
+    Qt::Key_9,      Qt::Key_Minus,  Qt::Key_Period, Qt::Key_Slash,
+};
+
+// Where a field takes its keys: an editable combo's own line.
+QWidget* inputOf(QWidget* field)
+{
+    if (auto* c = qobject_cast<QComboBox*>(field); c && c->lineEdit())
+        return c->lineEdit();
+    return field;
+}
+
+bool hasSurrogates(const QString& text)
+{
+    for (QChar c : text)
+        if (c.isSurrogate())
+            return true;
+    return false;
+}
+
+void clickButton(QAbstractButton* b)
+{
+    // Options and checks are hit on their box, buttons in their middle.
+    if (qobject_cast<QCheckBox*>(b) || qobject_cast<QRadioButton*>(b))
+        QTest::mouseClick(b, Qt::LeftButton, {}, QPoint(qMin(8, b->width() / 2), b->height() / 2));
+    else
+        QTest::mouseClick(b, Qt::LeftButton);
+}
+
+}  // namespace
+
+void RandomUser::say(const QString& what) const
+{
+    if (announce)
+        announce(what);
+}
+
+QString RandomUser::press(QWidget* w, Qt::Key key, const QString& what) const
+{
+    say(what);
+    w->setFocus();
+    QTest::keyClick(w, key);
+    return what;
+}
+
+QString RandomUser::act(QWidget* window)
+{
+    const Offer o = offerOf(window);
+    enum Kind { Button, Type, Fill, Key, Cell, Menu, Combo, Tab, Tick, Close };
+    QList<QPair<Kind, int>> kinds = {{Key, 12}, {Close, 1}};
+    if (!o.buttons.isEmpty())
+        kinds << qMakePair(Button, 30);
+    if (!o.fields.isEmpty())
+        kinds << qMakePair(Type, 25) << qMakePair(Fill, 8);
+    if (!o.grids.isEmpty())
+        kinds << qMakePair(Cell, 12);
+    if (!o.actions.isEmpty())
+        kinds << qMakePair(Menu, 10);
+    if (!o.combos.isEmpty())
+        kinds << qMakePair(Combo, 6);
+    if (!o.tabs.isEmpty())
+        kinds << qMakePair(Tab, 3);
+    if (!o.timers.isEmpty())
+        kinds << qMakePair(Tick, 2);
+    int total = 0;
+    for (const auto& k : kinds)
+        total += k.second;
+    int roll = m_dice.below(total);
+    Kind kind = Key;
+    for (const auto& k : kinds) {
+        if (roll < k.second) {
+            kind = k.first;
+            break;
+        }
+        roll -= k.second;
+    }
+
+    switch (kind) {
+    case Button: {
+        QAbstractButton* b = m_dice.pick(o.buttons);
+        const QString what = QStringLiteral("clic en %1 %2").arg(nameOf(b), shown(b->text()));
+        say(what);
+        clickButton(b);
+        return what;
+    }
+    case Type: {
+        QWidget* field = m_dice.pick(o.fields);
+        QWidget* receiver = inputOf(field);
+        const QString text = m_dice.pick(nastyTexts());
+        const QString what = QStringLiteral("escribe %1 en %2").arg(shown(text), nameOf(field));
+        say(what);
+        receiver->setFocus();
+        if (text.isEmpty() || m_dice.chance(50))
+            QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);   // over what was there
+        if (text.isEmpty()) {
+            QTest::keyClick(receiver, Qt::Key_Backspace);
+        } else if (text.size() <= 40 && !hasSurrogates(text) && m_dice.chance(70)) {
+            typeKeys(receiver, text);
+        } else {
+            // Long texts and emoji arrive pasted, as a user would bring them.
+            QGuiApplication::clipboard()->setText(text);
+            QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
+            QTest::keyClick(receiver, Qt::Key_End);
+        }
+        return what;
+    }
+    case Fill: {
+        // Every field at once, so that saves get past their checks and reach the store.
+        say(QStringLiteral("llena todos los campos"));
+        QStringList texts = nastyTexts();
+        texts.removeIf([](const QString& t) { return t.trimmed().isEmpty(); });
+        for (QWidget* field : o.fields) {
+            QWidget* receiver = inputOf(field);
+            receiver->setFocus();
+            QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);
+            QGuiApplication::clipboard()->setText(m_dice.pick(texts));
+            QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
+        }
+        for (QComboBox* c : o.combos)
+            if (c->count() > 0)
+                c->setCurrentIndex(m_dice.below(c->count()));
+        return QStringLiteral("llena todos los campos");
+    }
+    case Key: {
+        QList<QWidget*> targets = o.fields;
+        for (QAbstractItemView* v : o.grids)
+            targets << v;
+        for (QComboBox* c : o.combos)
+            targets << c;
+        QWidget* focus = window->focusWidget();
+        QWidget* receiver = (focus && focus->isVisible() && focus->isEnabled()
+                             && (focus == window || window->isAncestorOf(focus))
+                             && (targets.isEmpty() || m_dice.chance(50)))
+                                ? focus
+                            : targets.isEmpty() ? window
+                                                : m_dice.pick(targets);
+        const Qt::Key key = m_dice.pick(kKeys);
+        return press(receiver, key,
+                     QStringLiteral("tecla %1 en %2").arg(QKeySequence(key).toString(), nameOf(receiver)));
+    }
+    case Cell: {
+        QAbstractItemView* v = m_dice.pick(o.grids);
+        const int row = m_dice.below(v->model()->rowCount(v->rootIndex()));
+        QList<int> columns;
+        const auto* table = qobject_cast<QTableView*>(v);
+        for (int c = 0; c < v->model()->columnCount(v->rootIndex()); ++c)
+            if (!table || !table->isColumnHidden(c))
+                columns << c;
+        if (columns.isEmpty())
+            return QStringLiteral("%1 sin columnas visibles").arg(nameOf(v));
+        const int column = m_dice.pick(columns);
+        const QModelIndex index = v->model()->index(row, column, v->rootIndex());
+        v->scrollTo(index);
+        const QRect cell = v->visualRect(index).intersected(v->viewport()->rect());
+        const bool twice = m_dice.chance(15);
+        const QString what = QStringLiteral("%1 en la celda %2,%3 de %4")
+                                 .arg(twice ? QStringLiteral("doble clic") : QStringLiteral("clic"))
+                                 .arg(row)
+                                 .arg(column)
+                                 .arg(nameOf(v));
+        if (cell.isEmpty())
+            return what + QStringLiteral(" (fuera de la vista)");
+        say(what);
+        if (twice)
+            QTest::mouseDClick(v->viewport(), Qt::LeftButton, {}, cell.center());
+        else
+            QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, cell.center());
+        return what;
+    }
+    case Menu: {
+        QAction* a = m_dice.pick(o.actions);
+        const QString what = QStringLiteral("menú %1 %2").arg(nameOf(a), shown(a->text()));
+        say(what);
+        a->trigger();
+        return what;
+    }
+    case Combo: {
+        QComboBox* c = m_dice.pick(o.combos);
+        const Qt::Key key = m_dice.pick(
+            QList<Qt::Key>{Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown});
+        return press(c, key, QStringLiteral("lista %1: %2").arg(nameOf(c), QKeySequence(key).toString()));
+    }
+    case Tab: {
+        QTabBar* t = m_dice.pick(o.tabs);
+        const int i = m_dice.below(t->count());
+        const QString what = QStringLiteral("pestaña %1 de %2").arg(i).arg(nameOf(t));
+        say(what);
+        t->setCurrentIndex(i);
+        return what;
+    }
+    case Close: {
+        // The window's own close box, whatever is under way.
+        say(QStringLiteral("cierra la ventana"));
+        window->close();
+        return QStringLiteral("cierra la ventana");
+    }
+    case Tick: {
+        QTimer* t = m_dice.pick(o.timers);
+        const QString what = QStringLiteral("pasa el tiempo de %1").arg(nameOf(t));
+        say(what);
+        QTimerEvent tick(t->timerId());
+        QCoreApplication::sendEvent(t, &tick);
+        return what;
+    }
+    }
+    return {};
+}
+
+}  // namespace tq::test

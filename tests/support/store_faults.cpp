@@ -1,0 +1,42 @@
+#include "store_faults.h"
+
+#include "foundation/data/amb1.h"
+#include "foundation/data/schema.h"
+
+namespace tq::test {
+
+// The text the store fails with, as the driver hands it on.
+static const char* const kFault = "fallo provocado de la base de datos";
+
+StoreFaults::StoreFaults()
+{
+    // `quedan`: writes left before the store fails; NULL while it is healthy.
+    // A refused write is undone with its statement, so the count stays below
+    // one and every later write fails too.
+    amb1().execute(QStringLiteral("CREATE TEMP TABLE falla (quedan INTEGER)"));
+    amb1().execute(QStringLiteral("INSERT INTO falla (quedan) VALUES (NULL)"));
+    for (const QString& table : schema::tableNames()) {
+        for (const char* op : {"INSERT", "UPDATE", "DELETE"}) {
+            amb1().execute(QStringLiteral("CREATE TEMP TRIGGER \"falla_%1_%2\" BEFORE %2 ON "
+                                          "main.\"%1\" BEGIN "
+                                          "UPDATE falla SET quedan = quedan - 1 WHERE quedan IS NOT NULL; "
+                                          "SELECT RAISE(ABORT, '%3') WHERE (SELECT quedan FROM falla) < 0; "
+                                          "END")
+                               .arg(table, QLatin1String(op), QLatin1String(kFault)));
+        }
+    }
+}
+
+void StoreFaults::failAfter(int writes)
+{
+    amb1().execute(QStringLiteral("UPDATE falla SET quedan = ?"), {writes});
+    m_failing = true;
+}
+
+void StoreFaults::heal()
+{
+    amb1().execute(QStringLiteral("UPDATE falla SET quedan = NULL"));
+    m_failing = false;
+}
+
+}  // namespace tq::test
