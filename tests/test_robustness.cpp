@@ -64,11 +64,7 @@ struct KnownFault {
     const char* contains;
     const char* reason;
 };
-const QList<KnownFault> kKnownFaults = {
-    {"*", "Error de la base de datos: fallo provocado de la base de datos",
-     "amb1 pone el texto del controlador (en inglés) en el mensaje de DbError; va solo al "
-     "registro cuando amb1 se corrija"},
-};
+const QList<KnownFault> kKnownFaults = {};
 
 // ---- what happens outside the run's control -------------------------------
 

@@ -82,9 +82,12 @@ std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QStri
     prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
     if (inputs.empty())
         return std::nullopt;
-    auto v = inputs.front();
+    const bool answered = inputs.front().has_value();
+    const QString text = answered ? *inputs.front() : QString();
     inputs.pop_front();
-    return v;
+    if (!answered)
+        return std::nullopt;
+    return text;
 }
 
 QString ScriptedPrompts::openFile(const QString& caption, const QString&, const QString&)

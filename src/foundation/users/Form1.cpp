@@ -42,6 +42,7 @@ Form1::Form1(QWidget* parent) : RegisterScreen(parent), ui(std::make_unique<Ui::
                   {ui->Text1, ui->Text2, ui->Text3, ui->Text4, ui->Text5, ui->Text6, ui->Combo1,
                    ui->Text7},
                   ui->DataGrid1, QStringLiteral("el empleado"));
+    setListNoun(QStringLiteral("empleados"));
     start();
 }
 

@@ -21,6 +21,7 @@ Fdoctores::Fdoctores(QWidget* parent)
                    ui->Command3},
                   {ui->Text1, ui->Text2, ui->Text3, ui->Text4, ui->Text5, ui->Text6},
                   ui->DataGrid1, QStringLiteral("el doctor"));
+    setListNoun(QStringLiteral("doctores"));
     start();
 }
 
