@@ -22,7 +22,7 @@ const QString kDuplicate = "Debe seleccionar un nuevo usuario, el presente usuar
 const QString kAsk = "¿ Esta seguro que desea eliminar el registro ?";
 const QString kModified = "El registro ha sido modificado satisfactoriamente";
 const QString kDeleted = "El registro ha sido eliminado satisfactoriamente";
-const QString kBadDate = "fecha de ingreso no es valida";
+const QString kBadDate = "fecha de ingreso no es válida";
 
 QWidget* widget(QWidget* w, const QString& name) { return control<QWidget>(w, name); }
 QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
@@ -347,7 +347,7 @@ private slots:
         QCOMPARE(edit(w, "Text6")->text(), QString("0"));
 
         QVERIFY(clickNamed(w, "Command1"));
-        const QString notANumber = "La comision debe ser un numero";
+        const QString notANumber = "La comisión debe ser un número";
         QCOMPARE(refusals(w, sp,
                           {{"Text1", "Debe especificar un Nombre de Empleado", "Jose"},
                            {"Text2", "Debe especificar un Apellido de Empleado", "D'Antoni"},

@@ -231,7 +231,7 @@ void TestSettings::rateScreens()
         p.clear();
         retype(edit(s, "Text1"), bad);
         QVERIFY(clickNamed(s, "boton"));
-        QCOMPARE(p.messages(), QStringList{"El valor debe ser numerico, por ejemplo " + rate[4]});
+        QCOMPARE(p.messages(), QStringList{"El valor debe ser numérico, por ejemplo " + rate[4]});
         QVERIFY(!edit(s, "Text1")->isReadOnly());
         QCOMPARE(value(stored).toDouble(), 0.25);
     }

@@ -62,7 +62,7 @@ void RateScreen::save()
     // The column is numeric; anything else is refused before it reaches the store.
     if (!isNumeric(typed)) {
         prompts().message(
-            QStringLiteral("El valor debe ser numerico, por ejemplo %1").arg(m_config.example),
+            QStringLiteral("El valor debe ser numérico, por ejemplo %1").arg(m_config.example),
             Icon::Exclamation, windowTitle());
         ui->Text1->setFocus();
         return;

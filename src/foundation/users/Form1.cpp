@@ -117,7 +117,7 @@ std::optional<Refusal> Form1::validate(int mode)
     // The hiring date must be a date before anything is written (a modify may
     // leave it empty).
     if (!ui->Text6->text().isEmpty() && !parseDate(ui->Text6->text()).isValid())
-        return Refusal{QStringLiteral("La fecha de ingreso no es valida. Escribala como "
+        return Refusal{QStringLiteral("La fecha de ingreso no es válida. Escríbala como "
                                       "DD/MM/AAAA, por ejemplo 15/03/2024"),
                        ui->Text6};
     return std::nullopt;

@@ -65,7 +65,7 @@ std::optional<Refusal> Fdoctores::validate(int mode)
     }
     // The commission is a number; 0 is a valid one.
     if (!isNumeric(ui->Text6->text()))
-        return Refusal{QStringLiteral("La comision debe ser un numero"), ui->Text6};
+        return Refusal{QStringLiteral("La comisión debe ser un número"), ui->Text6};
     return std::nullopt;
 }
 
