@@ -162,14 +162,21 @@ void FlexGridModel::setColumnTexts(int col, QStringList texts, int firstRow)
     emit dataChanged(index(firstRow - 1, col), index(firstRow - 2 + count, col));
 }
 
-void FlexGridModel::setBackColor(int row, int col, const QColor& color)
+// A cell's mark (colour or bold) is kept only while it is on.
+template <typename T>
+void FlexGridModel::mark(QHash<quint64, T>& marks, int row, int col, bool on, const T& value)
 {
     check(row, col);
-    if (color.isValid())
-        m_back.insert(key(row, col), color);
+    if (on)
+        marks.insert(key(row, col), value);
     else
-        m_back.remove(key(row, col));
+        marks.remove(key(row, col));
     cellChanged(row, col);
+}
+
+void FlexGridModel::setBackColor(int row, int col, const QColor& color)
+{
+    mark(m_back, row, col, color.isValid(), color);
 }
 
 QColor FlexGridModel::backColor(int row, int col) const
@@ -180,12 +187,7 @@ QColor FlexGridModel::backColor(int row, int col) const
 
 void FlexGridModel::setBold(int row, int col, bool bold)
 {
-    check(row, col);
-    if (bold)
-        m_bold.insert(key(row, col), true);
-    else
-        m_bold.remove(key(row, col));
-    cellChanged(row, col);
+    mark(m_bold, row, col, bold, true);
 }
 
 bool FlexGridModel::bold(int row, int col) const

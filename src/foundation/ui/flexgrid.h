@@ -52,6 +52,8 @@ private:
     void check(int row, int col) const;
     void dropOutside();
     void cellChanged(int row, int col);
+    template <typename T>
+    void mark(QHash<quint64, T>& marks, int row, int col, bool on, const T& value);
     QVariant roleOf(int row, int col, int role) const;
 
     int m_dataRows = 0;
