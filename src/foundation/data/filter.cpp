@@ -577,7 +577,7 @@ MaybePart datePart(Op op, const QString& col, const QDate& d)
 
 // A column the store can't type (a computed one) is narrowed only for the
 // values of the kind the condition speaks of; the others pass to memory.
-MaybePart guarded(const MaybePart& part, const QString& col, const char* storeTypes)
+MaybePart onlyForTypes(const MaybePart& part, const QString& col, const char* storeTypes)
 {
     if (!part)
         return std::nullopt;
@@ -615,7 +615,7 @@ MaybePart leafPart(const Condition& c, const QString& col, ColumnKind kind)
         if (kind == ColumnKind::Text)
             return like;
         if (kind == ColumnKind::Unknown)
-            return guarded(like, col, "'text'");
+            return onlyForTypes(like, col, "'text'");
         return std::nullopt;
     }
     const bool textIsDate = lit.kind == Literal::Text && parseDate(lit.text).isValid();
@@ -648,9 +648,9 @@ MaybePart leafPart(const Condition& c, const QString& col, ColumnKind kind)
         return std::nullopt;
     case ColumnKind::Unknown:
         if (lit.kind == Literal::Number)
-            return guarded(numberPart(c.op, col, lit.number), col, "'integer', 'real'");
+            return onlyForTypes(numberPart(c.op, col, lit.number), col, "'integer', 'real'");
         if (lit.kind == Literal::Text && !textIsDate && !isNumeric(lit.text) && c.op == Op::Eq)
-            return guarded(plain(col + QStringLiteral(" = ?"), {lit.text}), col, "'text'");
+            return onlyForTypes(plain(col + QStringLiteral(" = ?"), {lit.text}), col, "'text'");
         return std::nullopt;
     }
     return std::nullopt;
