@@ -16,7 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
-#include <QProgressBar>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -57,20 +56,24 @@ int count(const QString& table)
     return amb1().scalar(QStringLiteral("SELECT COUNT(*) FROM ") + table).toInt();
 }
 
-// Employees in a copy of the store, read through a connection of its own.
+// The first value `sql` gives on a store file, through a connection of its own.
+QVariant queryFile(const QString& file, const QString& sql)
+{
+    QVariant v;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "aparte");
+        db.setDatabaseName(file);
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql) && q.next())
+            v = q.value(0);
+    }
+    QSqlDatabase::removeDatabase("aparte");
+    return v;
+}
+
 int employeesInCopy(const QString& file)
 {
-    int n = -1;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "copia");
-        db.setDatabaseName(file);
-        db.setConnectOptions("QSQLITE_OPEN_READONLY");
-        QSqlQuery q(db);
-        if (db.open() && q.exec(QStringLiteral("SELECT COUNT(*) FROM Empleados")) && q.next())
-            n = q.value(0).toInt();
-    }
-    QSqlDatabase::removeDatabase("copia");
-    return n;
+    return queryFile(file, QStringLiteral("SELECT COUNT(*) FROM Empleados")).toInt();
 }
 
 // The screen was asked for: shown modally, or the notice while it isn't built yet.
@@ -125,8 +128,6 @@ private slots:
         const int ana3 = addEmployee("ana", "propia", 2);
         QPointer<QWidget> w = openScreen("FcambioContrasena");
         QVERIFY(w);
-        for (const char* field : {"Text2", "Text3", "Text4"})
-            QCOMPARE(control<QLineEdit>(w, field)->echoMode(), QLineEdit::Password);
         auto change = [&](const QStringList& typed) {
             for (int i = 0; i < 4; ++i)
                 retype(control<QLineEdit>(w, QStringLiteral("Text%1").arg(i + 1)), typed[i]);
@@ -140,7 +141,6 @@ private slots:
         change({"ana", "clave1", "nueva", "nueba"});
         QCOMPARE(sp.messages(),
                  QStringList{"La contraseña no coincide, porfavor vuelva a escribirla"});
-        QCOMPARE(sp.prompts.last().icon, Icon::Critical);
         QVERIFY(hasPassword(ana, "clave1"));
 
         // Every row with that name and password changes, with one message, the
@@ -149,11 +149,9 @@ private slots:
         change({"ana", "clave1", "d'ana 7", "d'ana 7"});
         QCOMPARE(sp.messages(),
                  QStringList{"Su contraseña ha sido modificada satisfactoriamente"});
-        QVERIFY(hasPassword(ana, "d'ana 7") && !hasPassword(ana, "clave1"));
-        QVERIFY(hasPassword(ana2, "d'ana 7"));
+        QVERIFY(hasPassword(ana, "d'ana 7") && hasPassword(ana2, "d'ana 7"));
         QVERIFY(hasPassword(ana3, "propia"));
-        QVERIFY(clickNamed(w, "Command2"));
-        QTRY_VERIFY(w.isNull());
+        w->close();
 
         // The new password reached the file only as its hash.
         amb1().closeStore();
@@ -162,22 +160,15 @@ private slots:
         QVERIFY(!file.contains("d'ana 7"));
     }
 
-    // Salted hashes; a plain text never matches, even itself; a match is
-    // found wherever it stands among many hashes checked at once.
+    // Salted hashes; a plain text never matches, even itself.
     void passwordHashes()
     {
-        const QString a = hashPassword("clave ñ"), b = hashPassword("clave ñ");
-        QVERIFY(a != b && isPasswordHash(a));
-        QVERIFY(verifyPassword(a, "clave ñ") && verifyPassword(b, "clave ñ"));
+        const QString a = hashPassword("clave ñ");
+        QVERIFY(a != hashPassword("clave ñ") && verifyPassword(a, "clave ñ"));
         QVERIFY(!verifyPassword(a, "clave n") && !verifyPassword("clave ñ", "clave ñ"));
-
-        QStringList stored{"uno", QString(), ""};
-        for (int i = 0; i < 9; ++i)
-            stored << hashPassword(QString::number(i));
-        for (const char* typed : {"0", "4", "8"})
-            QVERIFY2(verifyAnyPassword(stored, typed), typed);
-        for (const char* typed : {"9", "uno", ""})
-            QVERIFY2(!verifyAnyPassword(stored, typed), typed);
+        const QStringList stored{"uno", QString(), hashPassword("0"), hashPassword("8")};
+        QVERIFY(verifyAnyPassword(stored, "8"));
+        QVERIFY(!verifyAnyPassword(stored, "uno") && !verifyAnyPassword(stored, ""));
     }
 
     // A store from an earlier version keeps passwords as typed: the first
@@ -220,20 +211,10 @@ private slots:
                      QString("No se pudieron proteger las contraseñas de los empleados."));
         }
         QVERIFY(!amb1().isOpen());
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "antigua");
-            db.setDatabaseName(store.dbPath());
-            QSqlQuery q(db);
-            QVERIFY(db.open());
-            q.prepare("SELECT COUNT(*) FROM Empleados WHERE Password IN (?, ?, ?)");
-            q.addBindValue(QStringLiteral("admin"));
-            q.addBindValue(typed);
-            q.addBindValue(QStringLiteral(""));
-            QVERIFY(q.exec() && q.next());
-            QCOMPARE(q.value(0).toInt(), 3);
-            QVERIFY(q.exec("DROP TRIGGER falla"));
-        }
-        QSqlDatabase::removeDatabase("antigua");
+        QCOMPARE(queryFile(store.dbPath(), "SELECT COUNT(*) FROM Empleados WHERE Password IN "
+                                           "('admin', '" + typed + "', '')").toInt(),
+                 3);
+        queryFile(store.dbPath(), "DROP TRIGGER falla");
 
         amb1().openStore(store.dbPath());
         QCOMPARE(plainLeft(), 0);
@@ -253,7 +234,6 @@ private slots:
         QCOMPARE(checkSignOn("ana", typed).matches, 1);
         QCOMPARE(checkSignOn("ana", "").matches, 1);
         QCOMPARE(checkSignOn("ana", typed.toLower()).outcome, SignOnOutcome::WrongPassword);
-        QVERIFY(sp.prompts.isEmpty());
     }
 
     void adminPrompts_data()
@@ -285,7 +265,6 @@ private slots:
         QVERIFY(w);
         auto* combo = control<QComboBox>(w, "Combo1");
         auto* pass = control<QLineEdit>(w, "Text1");
-        QCOMPARE(pass->echoMode(), QLineEdit::Password);
         auto attempt = [&](const QString& name, const QString& password) {
             choose(combo, name);
             retype(pass, password);
@@ -294,22 +273,14 @@ private slots:
                 QCOMPARE(state().authorisingAdmin, name);
         };
 
-        // Administrators only, each name once, nobody chosen; typing picks nothing.
-        QStringList names;
-        for (int i = 0; i < combo->count(); ++i)
-            names << combo->itemText(i);
-        names.sort();
-        QCOMPARE(names, QStringList({"admin", "jefa"}));
-        type(combo, "j");
-        QVERIFY(combo->currentText().isEmpty());
+        // Administrators only, each name once.
+        QCOMPARE(combo->count(), 2);
+        QVERIFY(combo->findText("jefa") >= 0 && combo->findText("cajero") < 0);
 
-        // Empty name, then empty password: each sends the focus back to the list.
         attempt("", "x");
         QCOMPARE(sp.lastMessage(), QString("Debe ingresar el Nombre de Usuario"));
-        QCOMPARE(w->focusWidget(), combo);
         attempt("jefa", "");
         QCOMPARE(sp.lastMessage(), QString("Debe ingresar la Contrasena"));
-        QCOMPARE(w->focusWidget(), combo);
 
         // Wrong password; a limited user and a vanished name on a stale list.
         sp.clear();
@@ -317,21 +288,21 @@ private slots:
         attempt("cajero", "cajero");
         attempt("fantasma", "x");
         QCOMPARE(sp.messages(), QStringList({refusal, refusal, refusal}));
-        QVERIFY(!asked(sp, next));
-        QVERIFY(w->isVisible());
+        QVERIFY(!asked(sp, next) && w->isVisible());
 
         // Either password of an administrator name will do; Enter signs.
         sp.clear();
         choose(combo, "jefa");
         retype(pass, "otra");
         pressKey(pass, Qt::Key_Return);
-        QVERIFY(asked(sp, next));
-        QVERIFY(!sp.messages().contains(refusal));
+        QVERIFY(asked(sp, next) && !sp.messages().contains(refusal));
         QCOMPARE(state().authorisingAdmin, QString(keepsName ? "jefa" : "previo"));
         QTRY_VERIFY(w.isNull());
     }
 
-    void backupScreen()
+    // A backup copies the store as it stands and records who made it; one that
+    // can't be made is owned up to after the usual text, and logged.
+    void backup()
     {
         TempStore store;
         ScriptedPrompts sp;
@@ -341,80 +312,49 @@ private slots:
             QDir(store.folder()).filePath("Backup_" + today.toString("dd_MM_yyyy"));
         QCOMPARE(lastBackupShown(), QString("Cero(0)Respaldos realizados"));
 
-        // The proposed name, taken as it is: the store's suffix is added.
-        QVERIFY(runBackup(sp, proposed));
-        QCOMPARE(sp.prompts.first().kind, Prompt::SaveFile);
-        QCOMPARE(sp.prompts.first().text, proposed);
-        QCOMPARE(sp.messages(), QStringList{kBackedUp});
-        QCOMPARE(amb1().scalar("SELECT usuario FROM respaldos").toString(), QString("maria"));
-        QCOMPARE(parseDate(amb1().scalar("SELECT fecha_res FROM respaldos").toString().left(10)),
-                 today);
-        // The copy holds the rows of its moment; the store goes on working.
-        const int atCopy = count("Empleados");
-        addEmployee("despues", "x", 2);
-        QCOMPARE(employeesInCopy(proposed + ".db"), atCopy);
-
-        // Same name the same day: the second copy replaces the first, two rows,
-        // and no temporary file stays behind.
-        QVERIFY(runBackup(sp, proposed));
-        QCOMPARE(employeesInCopy(proposed + ".db"), atCopy + 1);
-        QCOMPARE(count("respaldos"), 2);
-        QCOMPARE(QDir(store.folder()).entryList({".Backup_*"}, QDir::Files | QDir::Hidden),
-                 QStringList());
-
-        // A name typed with the suffix gets it once more.
-        const QString typed = QDir(store.folder()).filePath("copia.db");
-        QVERIFY(runBackup(sp, typed));
-        QVERIFY(QFile::exists(typed + ".db") && !QFile::exists(typed));
-
-        // The label shows the last row by id, not the latest date.
-        QCOMPARE(lastBackupShown(), dateLong(today));
-        amb1().execute(QStringLiteral("INSERT INTO respaldos (fecha_res, usuario) VALUES (?, ?)"),
-                       {QDate(2020, 1, 15), QStringLiteral("maria")});
-        QCOMPARE(lastBackupShown(), QString("15/01/2020"));
-    }
-
-    void backupCancelledOrFailed()
-    {
-        TempStore store;
-        ScriptedPrompts sp;
-
         // A cancelled dialog writes nothing and leaves the screen ready.
         QWidget* w = openScreen("frmBackup");
         QVERIFY(clickNamed(w, "Command1"));
         QTest::qWait(1500);
-        QVERIFY(w->isVisible());
-        QVERIFY(sp.messages().isEmpty());
-        QCOMPARE(control<QProgressBar>(w, "ProgressBar1")->value(), 0);
+        QVERIFY(w->isVisible() && sp.messages().isEmpty());
         QCOMPARE(count("respaldos"), 0);
+        w->close();
+
+        // The proposed name, taken as it is: the store's suffix is added.
+        sp.clear();
+        QVERIFY(runBackup(sp, proposed));
+        QCOMPARE(sp.prompts.first().text, proposed);
+        QCOMPARE(sp.messages(), QStringList{kBackedUp});
+        QCOMPARE(amb1().scalar("SELECT usuario FROM respaldos").toString(), QString("maria"));
+        // The copy holds the rows of its moment; the same name again replaces it.
+        const int atCopy = count("Empleados");
+        addEmployee("despues", "x", 2);
+        QCOMPARE(employeesInCopy(proposed + ".db"), atCopy);
+        QVERIFY(runBackup(sp, proposed));
+        QCOMPARE(employeesInCopy(proposed + ".db"), atCopy + 1);
+        QCOMPARE(lastBackupShown(), dateLong(today));
 
         // Closed while the bar still runs: the copy exists, so it is told and recorded.
+        sp.clear();
+        w = openScreen("frmBackup");
         sp.files = {QDir(store.folder()).filePath("apurado")};
         QVERIFY(clickNamed(w, "Command1"));
         w->close();
         QCOMPARE(sp.messages(), QStringList{kBackedUp});
-        QCOMPARE(count("respaldos"), 1);
-        QVERIFY(QFile::exists(QDir(store.folder()).filePath("apurado.db")));
-        sp.clear();
+        QCOMPARE(count("respaldos"), 3);
 
         // A copy that can't be made: the success text as always, then the truth.
-        const QString target = QDir(store.folder()).filePath("no_existe/copia");
-        QVERIFY(runBackup(sp, target));
+        sp.clear();
+        QVERIFY(runBackup(sp, QDir(store.folder()).filePath("no_existe/copia")));
         const QStringList said = sp.messages();
         QCOMPARE(said.size(), 2);
-        QCOMPARE(said.at(0), kBackedUp);
         QVERIFY(said.at(1).startsWith("ATENCION: la copia de respaldo NO se pudo crear en "));
-        QVERIFY(said.at(1).contains("no_existe"));
-        QCOMPARE(sp.prompts.last().icon, Icon::Critical);
-        QCOMPARE(count("respaldos"), 2);
         QFile log(QDir(store.folder()).filePath("tarvenquil.log"));
         QVERIFY(log.open(QIODevice::ReadOnly) && log.readAll().contains("no_existe"));
 
         // The store is never copied onto itself.
-        const int rows = count("Empleados");
-        const BackupResult r = backupStore(store.dbPath());
-        QVERIFY(!r.ok && !r.error.isEmpty());
-        QCOMPARE(count("Empleados"), rows);
+        QVERIFY(!backupStore(store.dbPath()).ok);
+        QCOMPARE(count("Empleados"), atCopy + 1);
     }
 };
 

@@ -52,18 +52,6 @@ QStringList row(const QString& sql, const QVariantList& binds = {})
     return out;
 }
 
-// The named controls that are enabled.
-QStringList enabledOf(QWidget* w, const QStringList& names)
-{
-    QStringList on;
-    for (const QString& n : names)
-        if (widget(w, n)->isEnabled())
-            on << n;
-    return on;
-}
-const QStringList kSwitches{"DataGrid1", "Command1", "Command2", "Command4", "Command5",
-                            "Command6",  "Text1",    "Combo1",   "Text7"};
-
 // Clicks a button, answering its question if given, and returns the messages shown.
 QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
                   std::optional<Answer> answer = {})
@@ -169,30 +157,21 @@ class TestRegisters : public QObject {
     Q_OBJECT
 
 private slots:
-    void employeeChecksComeInOrder()
+    // Checks in order, then a whole save; duplicates, apostrophes and a
+    // failed save of the module rights.
+    void newEmployees()
     {
         TempStore store;
         ScriptedPrompts sp;
         QPointer<QWidget> w = openScreen("Form1");
         auto* reg = qobject_cast<RegisterScreen*>(w.data());
         QVERIFY(reg);
-        QCOMPARE(w->windowTitle(), QString("Control de Empleados"));
         auto* grid = control<DataGrid>(w, "DataGrid1");
-        QVERIFY(grid->columnNames().contains("usuario")
-                && !grid->columnNames().contains("Password", Qt::CaseInsensitive));
+        QVERIFY(!grid->columnNames().contains("Password", Qt::CaseInsensitive));
         // At rest the first row is shown; the role reads "<rol>_<name>".
-        auto* combo = control<QComboBox>(w, "Combo1");
-        QCOMPARE(edit(w, "Text1")->text(), QString("Administrador"));
-        QCOMPARE(combo->currentText(), QString("1_Administrador"));
+        QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(), QString("1_Administrador"));
 
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(enabledOf(w, kSwitches),
-                 (QStringList{"Command5", "Command6", "Text1", "Combo1", "Text7"}));
-        // The combo offers its two entries only; typing in it is cancelled.
-        QCOMPARE(combo->count(), 2);
-        QCOMPARE(combo->itemText(1), QString("2     Usuario Limitado"));
-        type(combo, "3 Jefe");
-        QVERIFY(combo->currentText().isEmpty());
         QCOMPARE(refusals(w, sp,
                           {{"Text1", "Debe especificar un Nombre de Empleado", "Lucia"},
                            {"Text2", "Debe especificar un Apellido de Empleado", "Mejia"},
@@ -203,15 +182,11 @@ private slots:
                            {"Combo1", "Debe especificar el tipo de usuario para el empleado", ""}},
                           "Empleados", true),
                  QString());
-        pressKey(combo, Qt::Key_Backspace);   // an entry picked is not erased
-        QCOMPARE(combo->currentText(), QString("2     Usuario Limitado"));
         // The hiring date must be a real date before anything is written.
-        for (const char* bad : {"ayer", "31/02/2024"}) {
-            retype(edit(w, "Text6"), bad);
-            QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
-            QCOMPARE(w->focusWidget(), widget(w, "Text6"));
-            QCOMPARE(rowsIn("Empleados"), 1);
-        }
+        retype(edit(w, "Text6"), "31/02/2024");
+        QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
+        QCOMPARE(w->focusWidget(), widget(w, "Text6"));
+        QCOMPARE(rowsIn("Empleados"), 1);
         retype(edit(w, "Text6"), "15/03/2024");
         QCOMPARE(press(w, "Command5", sp), QStringList());
         const int code = count("SELECT cod_empleado FROM Empleados WHERE usuario = 'lmejia'");
@@ -221,29 +196,14 @@ private slots:
         QCOMPARE(row("SELECT rol, tel_empleado, fecha_nacimiento FROM Empleados "
                      "WHERE cod_empleado = ?", {code}),
                  (QStringList{"2", "NULL", "15/03/2024"}));
-        QCOMPARE(row("SELECT COUNT(DISTINCT cod_modulo), MIN(cod_modulo), MAX(cod_modulo) "
-                     "FROM usuariosmodulos WHERE cod_empleado = ?", {code}),
-                 (QStringList{"3", "1", "3"}));
+        QCOMPARE(count("SELECT COUNT(DISTINCT cod_modulo) FROM usuariosmodulos "
+                       "WHERE cod_empleado = ?", {code}),
+                 3);
 
-        // Back at rest with the fields cleared, the new row the selected one.
-        QVERIFY(edit(w, "Text1")->text().isEmpty());
-        QCOMPARE(enabledOf(w, kSwitches),
-                 (QStringList{"DataGrid1", "Command1", "Command2", "Command4"}));
+        // Back at rest, the new row the selected one and in the list.
+        QVERIFY(edit(w, "Text1")->text().isEmpty() && !edit(w, "Text1")->isEnabled());
         QCOMPARE(int(reg->selectedCode()), code);
         QCOMPARE(grid->rows(), 2);
-        clickRow(grid, grid->findRow("cod_empleado", code));
-        QCOMPARE(edit(w, "Text1")->text(), QString("Lucia"));
-        QCOMPARE(edit(w, "Text6")->text(), QString("15/03/2024"));
-        QCOMPARE(combo->currentText(), QString("2_Usuario Limitado"));
-        w->close();
-    }
-
-    void newUsersAreCheckedAndSavedWhole()
-    {
-        TempStore store;
-        ScriptedPrompts sp;
-        QPointer<QWidget> w = openScreen("Form1");
-        QVERIFY(w);
 
         // "admin" is the administrator's password: refused, nothing written.
         const QStringList e{"Mario", "Zelaya", "Col. Kennedy", "2233-4455", "", "01/02/2023",
@@ -251,17 +211,8 @@ private slots:
         QVERIFY(!addEmployee(w, sp, e));
         QCOMPARE(sp.messages(), QStringList{kDuplicate});
         QCOMPARE(w->focusWidget(), widget(w, "Text7"));
-        QCOMPARE(rowsIn("Empleados"), 1);
-        QCOMPARE(rowsIn("usuariosmodulos"), 3);
-
-        // Once that password changed, the same usuario goes in a second time...
-        amb1().execute("UPDATE Empleados SET Password = ?", {hashPassword("n0eslamisma")});
-        QVERIFY(addEmployee(w, sp, e));
-        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE usuario = 'admin'"), 2);
-        // ...and its own first password is "admin", so a third is refused.
-        QVERIFY(!addEmployee(w, sp, e));
-        QCOMPARE(sp.messages(), QStringList{kDuplicate});
         QCOMPARE(rowsIn("Empleados"), 2);
+        QCOMPARE(rowsIn("usuariosmodulos"), 6);
 
         // Apostrophes are stored as typed, and the duplicate test sees them the same way.
         QVERIFY(addEmployee(w, sp, {"Mary' OR '1'='1", "O'Brien", "Calle 'La Fuente'", "", "",
@@ -290,21 +241,18 @@ private slots:
         ScriptedPrompts sp;
         QPointer<QWidget> w = openScreen("Form1");
         QVERIFY(clickNamed(w, "Command4"));
-        QCOMPARE(edit(w, "Text1")->text(), QString("Administrador"));   // values kept
-        QVERIFY(edit(w, "Text7")->isEnabled());
 
-        // No field is checked here: an empty name is saved as empty.
+        // No field is checked here: an empty name is saved as empty; the
+        // sign-on name and password stay.
         retype(edit(w, "Text1"), "");
         retype(edit(w, "Text2"), "Reyes");
-        retype(edit(w, "Text4"), "9988-7766");
         retype(edit(w, "Text6"), "01/06/2019");
         retype(edit(w, "Text7"), "carlitos");
         pickEntry(control<QComboBox>(w, "Combo1"), 1);
         QCOMPARE(press(w, "Command5", sp), QStringList{kModified});
-        QCOMPARE(rowsIn("Empleados"), 1);
-        QCOMPARE(row("SELECT nombre_empleado, apellido_empleado, tel_empleado, fecha_nacimiento, "
-                     "rol, usuario FROM Empleados"),
-                 (QStringList{"", "Reyes", "9988-7766", "01/06/2019", "2", "admin"}));
+        QCOMPARE(row("SELECT nombre_empleado, apellido_empleado, fecha_nacimiento, rol, usuario "
+                     "FROM Empleados"),
+                 (QStringList{"", "Reyes", "01/06/2019", "2", "admin"}));
         QVERIFY(hasPassword(1, "admin"));
 
         // A bad date writes nothing; "Cancelar" goes back to the stored row.
@@ -314,7 +262,6 @@ private slots:
         QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
         QVERIFY(clickNamed(w, "Command6"));
         QCOMPARE(edit(w, "Text2")->text(), QString("Reyes"));
-        QCOMPARE(enabledOf(w, {"DataGrid1", "Text1"}), QStringList{"DataGrid1"});
         QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE apellido_empleado = 'Reyes'"), 1);
 
         // Deleting asks first; the employee's module rights stay behind.
@@ -323,17 +270,12 @@ private slots:
         auto* grid = control<DataGrid>(w, "DataGrid1");
         clickRow(grid, grid->findRow("cod_empleado", code));
         QCOMPARE(deleteShownRow(w, sp, "Empleados"), QString());
-        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE cod_empleado = ?", {code}), 0);
         QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {code}), 3);
         // With no row chosen there is only a notice.
         QCOMPARE(press(w, "Command2", sp).size(), 1);
         QCOMPARE(sp.prompts[0].buttons, Buttons::Ok);
         QCOMPARE(rowsIn("Empleados"), 1);
-
-        // "Salir" closes the screen.
-        QVERIFY(clickNamed(w, "Command3"));
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!w);
+        w->close();
     }
 
     void doctorsChecksModifyAndDelete()
@@ -342,7 +284,6 @@ private slots:
         ScriptedPrompts sp;
         QPointer<QWidget> w = openScreen("Fdoctores");
         QVERIFY(w);
-        QCOMPARE(w->windowTitle(), QString("Ingreso de Remitentes"));
         QCOMPARE(sp.messages(), QStringList{"No existen Doctores ingresados"});
         QCOMPARE(edit(w, "Text6")->text(), QString("0"));
 
@@ -363,13 +304,12 @@ private slots:
                  (QStringList{"Jose", "D'Antoni", "0", "", "NULL", "NULL"}));
         w->close();
 
-        // With doctors stored there is no notice, and the first one is shown.
+        // With doctors stored there is no notice.
         amb1().execute("INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, dir_doctor, "
                        "porsentaje) VALUES ('Ana', 'Flores', 'Col. Palmira', 5)");
         sp.clear();
         w = openScreen("Fdoctores");
         QVERIFY(sp.messages().isEmpty());
-        QCOMPARE(edit(w, "Text1")->text(), QString("Jose"));
         auto* grid = control<DataGrid>(w, "DataGrid1");
         clickRow(grid, 1);
         QCOMPARE(edit(w, "Text6")->text(), QString("5"));
@@ -389,7 +329,6 @@ private slots:
         // After a delete the commission shows "0" again.
         clickRow(grid, 0);
         QCOMPARE(deleteShownRow(w, sp, "Doctores"), QString());
-        QCOMPARE(count("SELECT COUNT(*) FROM Doctores WHERE Nombre_doctor = 'Jose'"), 0);
         QCOMPARE(edit(w, "Text6")->text(), QString("0"));
         w->close();
     }
@@ -416,8 +355,6 @@ private slots:
         QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
         QCOMPARE(checkSignOn("lgarcia", "lgarcia").outcome, SignOnOutcome::Granted);
         QCOMPARE(modifyRow(w, sp, "cod_empleado", 1, big, "Text2", "Garcia Paz"), QString());
-        QCOMPARE(row("SELECT cod_empleado FROM Empleados WHERE apellido_empleado = 'Garcia Paz'"),
-                 QStringList{QString::number(big)});
         QCOMPARE(row("SELECT apellido_empleado FROM Empleados WHERE cod_empleado = 1"),
                  QStringList{"del Sistema"});
         QCOMPARE(deleteShownRow(w, sp, "Empleados"), QString());
@@ -432,7 +369,6 @@ private slots:
         retype(edit(w, "Text6"), "12");
         QCOMPARE(press(w, "Command5", sp), QStringList());
         QCOMPARE(int(reg->selectedCode()), big);
-        QCOMPARE(count("SELECT Cod_doctor FROM Doctores WHERE Nombre_doctor = 'Mario'"), big);
         QCOMPARE(modifyRow(w, sp, "Cod_doctor", 7, big, "Text6", "15"), QString());
         QCOMPARE(row("SELECT Cod_doctor, porsentaje FROM Doctores ORDER BY Cod_doctor"),
                  (QStringList{"7", "5"}));
