@@ -29,7 +29,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QSet>
 #include <QTimer>
 #include <QtTest>
 #include <csignal>
@@ -43,28 +42,14 @@ using namespace tq::test;
 
 namespace {
 
-// Per screen: seeds, and events of the user on the screen (a modal screen it
-// opens gets kModalEvents more, two modal screens deep at most). An event
-// costs about a third of a millisecond: a hundred screens still fit in well
-// under a minute.
-// TQ_ROBUSTEZ_SEMILLAS=50 hunts with more seeds.
+// Per screen: seeds, and events of the user (a modal screen it opens gets
+// kModalEvents more). TQ_ROBUSTEZ_SEMILLAS=50 hunts with more seeds.
 constexpr int kSeeds = 4;
 constexpr int kEvents = 300;
 constexpr int kModalEvents = 12;
 // The main window is not made by name: it joins the run as the
 // administrator finds it after signing on.
 const QString kMainWindow = QStringLiteral("MDIForm1");
-
-// Faults found by the run in code that is not this area's, each with why it
-// is still here. A failure of that screen ("*": of any) whose text holds
-// `contains` is told but does not fail the run; an entry that no longer
-// shows up fails it, so that the list is emptied as the faults are mended.
-struct KnownFault {
-    const char* screen;
-    const char* contains;
-    const char* reason;
-};
-const QList<KnownFault> kKnownFaults = {};
 
 // ---- what happens outside the run's control -------------------------------
 
@@ -197,9 +182,6 @@ private:
     QTemporaryDir m_templateDir;
     QString m_template;   // a demo laboratory, copied afresh for every run
     QStringList m_faults;
-    QList<const KnownFault*> m_knownSeen;
-    QSet<QString> m_knownTold;
-    int m_events = 0;
     QTimer m_watchdog;
     QStringList m_ownLoops;
 
@@ -240,9 +222,7 @@ void TestRobustness::initTestCase()
     m_watchdog.setInterval(1000);
     connect(&m_watchdog, &QTimer::timeout, this, [this] {
         QWidget* stuck = QApplication::activeModalWidget();
-        if (!stuck)
-            stuck = QApplication::activePopupWidget();
-        if (!stuck)
+        if (!stuck && !(stuck = QApplication::activePopupWidget()))
             return;   // a long step that lets events through, not a dialog
         m_ownLoops << QString::fromLatin1(stuck->metaObject()->className());
         stuck->close();
@@ -317,21 +297,6 @@ QWidget* TestRobustness::open(const QString& screen)
 void TestRobustness::fault(const QString& screen, int seed, const QString& text)
 {
     const QString line = QStringLiteral("%1, semilla %2, %3").arg(screen).arg(seed).arg(text);
-    for (const KnownFault& k : kKnownFaults) {
-        const bool anyScreen = qstrcmp(k.screen, "*") == 0;
-        if ((anyScreen || screen == QLatin1String(k.screen))
-            && text.contains(QString::fromUtf8(k.contains))) {
-            if (!m_knownSeen.contains(&k))
-                m_knownSeen << &k;
-            // Told once a screen: the list gives the reason, the replay the rest.
-            const QString told = screen + QString::fromUtf8(k.contains);
-            if (!m_knownTold.contains(told)) {
-                m_knownTold << told;
-                qInfo().noquote() << "FALLO CONOCIDO (" << k.reason << "):" << line;
-            }
-            return;
-        }
-    }
     if (m_faults.contains(line))
         return;
     qWarning().noquote() << "FALLO:" << line;
@@ -340,8 +305,6 @@ void TestRobustness::fault(const QString& screen, int seed, const QString& text)
 
 void TestRobustness::runOne(const QString& screen, int seed, bool replay)
 {
-    QElapsedTimer clock;
-    clock.start();
     QTemporaryDir dir;
     const QString db = QDir(dir.path()).filePath(QStringLiteral("lab.db"));
     QVERIFY(QFile::copy(m_template, db));
@@ -356,11 +319,12 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     RandomPrompts prompts(dice, dir.path());
     RandomUser user(dice);
     int event = 0;
-    user.announce = [&](const QString& what) {
+    const auto announce = [&](const QString& what) {
         sayWhere(screen, seed, event, what);
         if (replay)
             qInfo().noquote() << QStringLiteral("  %1: %2").arg(event).arg(what);
     };
+    user.announce = announce;
     QStringList brokenBefore;
     int told = 0;
 
@@ -385,16 +349,11 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
         for (int i = 0; i < 5 && QApplication::activePopupWidget(); ++i)
             QApplication::activePopupWidget()->close();
         for (const QString& e : std::as_const(g_escaped))
-            fault(screen, seed,
-                  QStringLiteral("evento %1: una excepción llegó al bucle de eventos de Qt: %2")
-                      .arg(event)
-                      .arg(excerpt(e)));
+            fault(screen, seed, QStringLiteral("evento %1: una excepción llegó al bucle de eventos "
+                                               "de Qt: %2").arg(event).arg(excerpt(e)));
         for (const QString& w : std::as_const(m_ownLoops))
-            fault(screen, seed,
-                  QStringLiteral("evento %1: %2 abrió su propio bucle en vez de pasar por el "
-                                 "servicio de avisos")
-                      .arg(event)
-                      .arg(w));
+            fault(screen, seed, QStringLiteral("evento %1: %2 abrió su propio bucle en vez de pasar "
+                                               "por el servicio de avisos").arg(event).arg(w));
         if (replay) {
             for (; told < prompts.prompts.size(); ++told)
                 qInfo().noquote() << "     aviso:" << excerpt(prompts.prompts[told].text);
@@ -413,30 +372,21 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
             step(modal);
     };
 
-    const int boundaryBefore = boundaryRecord().shown;
     QPointer<QWidget> target;
-    int opened = 0;
     for (int i = 0; i < kEvents; ++i) {
         // Now and then the store fails, from the first, second or third write on, and heals later.
         if (dice.chance(3)) {
             const int writes = dice.below(3);
             const QString what = store.failing()
                                      ? QStringLiteral("la base de datos vuelve a aceptar cambios")
-                                     : QStringLiteral("la base de datos falla después de %1 escrituras")
-                                           .arg(writes);
-            sayWhere(screen, seed, event, what);
-            if (replay)
-                qInfo().noquote() << QStringLiteral("  %1: %2").arg(event).arg(what);
-            if (store.failing())
-                store.heal();
-            else
-                store.failAfter(writes);
+                                     : QStringLiteral("la base de datos falla después de %1 escrituras").arg(writes);
+            announce(what);
+            store.failing() ? store.heal() : store.failAfter(writes);
         }
         if (!target || !target->isVisible()) {
             sayWhere(screen, seed, event, QStringLiteral("abre la pantalla"));
             target = open(screen);
             flushPosted();
-            ++opened;
             if (!target) {
                 fault(screen, seed, QStringLiteral("evento %1: la pantalla no se pudo abrir").arg(event));
                 break;
@@ -452,11 +402,9 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     for (const Prompt& p : std::as_const(prompts.prompts)) {
         if (p.kind != Prompt::Message && p.kind != Prompt::Input)
             continue;
-        const QRegularExpressionMatch m = kForeign.match(p.text);
-        if (m.hasMatch())
+        if (const auto m = kForeign.match(p.text); m.hasMatch())
             fault(screen, seed, QStringLiteral("el usuario leyó texto que no es del laboratorio "
-                                               "(\"%1\"): %2")
-                                    .arg(m.captured(), excerpt(p.text)));
+                                               "(\"%1\"): %2").arg(m.captured(), excerpt(p.text)));
     }
     for (const QString& text : std::as_const(prompts.boundaryMessages))
         if (const QString why = unnatural(text); !why.isEmpty())
@@ -467,16 +415,6 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
     for (const QString& broken : brokenInvariants())
         fault(screen, seed, QStringLiteral("la base de datos quedó mal: %1").arg(broken));
 
-    qInfo().noquote() << QStringLiteral("%1 semilla %2: %3 eventos, abierta %4 veces, %5 avisos, "
-                                        "%6 fallos mostrados, %7 ms")
-                             .arg(screen)
-                             .arg(seed)
-                             .arg(event)
-                             .arg(opened)
-                             .arg(prompts.prompts.size())
-                             .arg(boundaryRecord().shown - boundaryBefore)
-                             .arg(clock.elapsed());
-    m_events += event;
     amb1().closeStore();
 }
 
@@ -487,9 +425,7 @@ void TestRobustness::everyScreenUnderRandomUse()
     const QString onlyScreen = only.section(QLatin1Char(':'), 0, 0);
     const QString onlySeed = only.section(QLatin1Char(':'), 1, 1);
 
-    const int seeds = qEnvironmentVariableIntValue("TQ_ROBUSTEZ_SEMILLAS") > 0
-                          ? qEnvironmentVariableIntValue("TQ_ROBUSTEZ_SEMILLAS")
-                          : kSeeds;
+    const int seeds = qMax(kSeeds, qEnvironmentVariableIntValue("TQ_ROBUSTEZ_SEMILLAS"));
     QStringList screens = ScreenRegistry::instance().names();
     screens << kMainWindow;
     QElapsedTimer clock;
@@ -505,20 +441,12 @@ void TestRobustness::everyScreenUnderRandomUse()
             runOne(screen, seed, !only.isEmpty());
         }
     }
-    qInfo().noquote() << QStringLiteral("Pantallas cubiertas: %1 de %2, %3 semillas cada una, "
-                                        "%4 eventos en %5 s")
+    qInfo().noquote() << QStringLiteral("Pantallas cubiertas: %1 de %2, %3 semillas cada una, %4 s")
                              .arg(covered)
                              .arg(screens.size())
                              .arg(onlySeed.isEmpty() ? seeds : 1)
-                             .arg(m_events)
                              .arg(clock.elapsed() / 1000.0, 0, 'f', 1);
     QVERIFY2(covered > 0, qPrintable(QStringLiteral("ninguna pantalla se llama %1").arg(onlyScreen)));
-    if (only.isEmpty())
-        for (const KnownFault& k : kKnownFaults)
-            if (!m_knownSeen.contains(&k))
-                m_faults << QStringLiteral("el fallo conocido de %1 (%2) ya no aparece: quítelo "
-                                           "de kKnownFaults")
-                                .arg(QString::fromUtf8(k.screen), QString::fromUtf8(k.reason));
     QVERIFY2(m_faults.isEmpty(), qPrintable(QStringLiteral("%1 fallos:\n").arg(m_faults.size())
                                             + m_faults.join(QLatin1Char('\n'))));
 }

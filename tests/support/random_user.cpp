@@ -12,7 +12,6 @@
 #include <QComboBox>
 #include <QDir>
 #include <QImage>
-#include <QKeyEvent>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
@@ -26,30 +25,21 @@
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolButton>
+#include <algorithm>
 
 namespace tq::test {
 
 const QStringList& nastyTexts()
 {
     static const QStringList texts = {
-        QStringLiteral("O'Brien"),
-        QStringLiteral("\"comillas\" y 'apóstrofos'"),
+        QStringLiteral("O'Brien"), QStringLiteral("\"comillas\" y 'apóstrofos'"),
         QStringLiteral("'; DROP TABLE Pacientes; --"),
         QStringLiteral("ñandú ").repeated(1667).left(10000),
-        QStringLiteral("Núñez Peña, María José"),
-        QStringLiteral("😀🧪"),
-        QStringLiteral("-1"),
-        QStringLiteral("0"),
-        QStringLiteral("99999999999"),
-        QStringLiteral("1e308"),
-        QStringLiteral("12/5"),
-        QStringLiteral("/"),
-        QStringLiteral("   "),
-        QString(),
-        QStringLiteral("15/03/2024"),
-        QStringLiteral("31/02/2026"),
-        QStringLiteral("0.03"),
-        QStringLiteral("admin"),
+        QStringLiteral("Núñez Peña, María José"), QStringLiteral("😀🧪"),
+        QStringLiteral("-1"), QStringLiteral("0"), QStringLiteral("99999999999"),
+        QStringLiteral("1e308"), QStringLiteral("12/5"), QStringLiteral("/"),
+        QStringLiteral("   "), QString(), QStringLiteral("15/03/2024"),
+        QStringLiteral("31/02/2026"), QStringLiteral("0.03"), QStringLiteral("admin"),
     };
     return texts;
 }
@@ -67,25 +57,19 @@ RandomPrompts::RandomPrompts(Dice& dice, const QString& folder) : m_dice(dice)
     image.fill(Qt::transparent);
     image.save(picture);
     const QString missing = dir.filePath(QStringLiteral("no existe/archivo"));
-    // Cancelled, a path that does not exist, a real picture, a file that is no
-    // picture, a folder.
+    // Cancelled, missing, a picture, a file that is no picture, a folder.
     m_openAnswers = {QString(), missing, picture, dir.filePath(QStringLiteral("lab.db")),
                      dir.filePath(QStringLiteral("archivos"))};
-    // Cancelled, a folder that does not exist, a good place, the store itself
-    // (the store's suffix is added to what is chosen), an existing folder, a
-    // folder that takes no files, not even from the system's administrator.
-    m_saveAnswers = {QString(),
-                     missing,
-                     dir.filePath(QStringLiteral("archivos/copia")),
-                     dir.filePath(QStringLiteral("lab")),
-                     dir.filePath(QStringLiteral("archivos")),
+    // Cancelled, missing, a good place, the store itself (its suffix is added),
+    // a folder, and a folder that takes no files, not even from the administrator.
+    m_saveAnswers = {QString(), missing, dir.filePath(QStringLiteral("archivos/copia")),
+                     dir.filePath(QStringLiteral("lab")), dir.filePath(QStringLiteral("archivos")),
                      QStringLiteral("/proc/respaldo")};
 }
 
 RandomPrompts::~RandomPrompts() { installPrompts(m_previous); }
 
-Answer RandomPrompts::message(const QString& text, Icon icon, const QString& title,
-                              Buttons buttons)
+Answer RandomPrompts::message(const QString& text, Icon icon, const QString& title, Buttons buttons)
 {
     prompts.append({Prompt::Message, text, icon, title, buttons});
     if (boundaryRecord().shown != m_boundarySeen) {
@@ -96,14 +80,12 @@ Answer RandomPrompts::message(const QString& text, Icon icon, const QString& tit
     case Buttons::Ok: return Answer::Ok;
     case Buttons::OkCancel: return m_dice.chance(50) ? Answer::Ok : Answer::Cancel;
     case Buttons::YesNo: return m_dice.chance(50) ? Answer::Yes : Answer::No;
-    case Buttons::YesNoCancel:
-        return m_dice.pick(QList<Answer>{Answer::Yes, Answer::No, Answer::Cancel});
+    case Buttons::YesNoCancel: return m_dice.pick(QList<Answer>{Answer::Yes, Answer::No, Answer::Cancel});
     }
     return Answer::Cancel;
 }
 
-std::optional<QString> RandomPrompts::input(const QString& prompt, const QString& title,
-                                            const QString&)
+std::optional<QString> RandomPrompts::input(const QString& prompt, const QString& title, const QString&)
 {
     prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
     if (m_dice.chance(25))
@@ -138,16 +120,12 @@ void RandomPrompts::showModal(QWidget* screen)
     screen->setAttribute(Qt::WA_DeleteOnClose);
     screen->show();
     QCoreApplication::sendPostedEvents();
-    if (m_depth < maxDepth && onModal && guard) {
+    if (m_depth < 2 && onModal && guard) {
         ++m_depth;
-        struct Leave {
-            int& depth;
-            ~Leave() { --depth; }
-        } leave{m_depth};
         onModal(screen);
+        --m_depth;
     }
-    // A screen that refuses to close is taken away all the same: its caller
-    // waits for it to be gone.
+    // A screen that refuses to close goes all the same: its caller waits for it.
     if (guard)
         guard->close();
     if (guard && guard->isVisible()) {
@@ -156,11 +134,7 @@ void RandomPrompts::showModal(QWidget* screen)
     }
 }
 
-void RandomPrompts::endProgram()
-{
-    prompts.append({Prompt::End, {}, Icon::None, {}, Buttons::Ok});
-    ++ends;
-}
+void RandomPrompts::endProgram() { prompts.append({Prompt::End, {}, Icon::None, {}, Buttons::Ok}); }
 
 // ------------------------------------------------------------------ the user
 
@@ -181,14 +155,13 @@ void addMenu(const QMenu* menu, QList<QAction*>& out)
 {
     if (!menu || !menu->isEnabled())
         return;
-    for (QAction* a : menu->actions()) {
-        if (a->isSeparator() || !a->isEnabled() || !a->isVisible())
-            continue;
-        if (a->menu())
-            addMenu(a->menu(), out);
-        else
-            out << a;
-    }
+    for (QAction* a : menu->actions())
+        if (!a->isSeparator() && a->isEnabled() && a->isVisible()) {
+            if (a->menu())
+                addMenu(a->menu(), out);
+            else
+                out << a;
+        }
 }
 
 bool insideOf(const QWidget* w, const char* className)
@@ -230,9 +203,8 @@ Offer offerOf(QWidget* window)
         } else if (auto* v = qobject_cast<QAbstractItemView*>(w)) {
             if (v->model() && v->model()->rowCount(v->rootIndex()) > 0)
                 o.grids << v;
-        } else if (auto* t = qobject_cast<QTabBar*>(w)) {
-            if (t->count() > 1)
-                o.tabs << t;
+        } else if (auto* t = qobject_cast<QTabBar*>(w); t && t->count() > 1) {
+            o.tabs << t;
         }
     }
     for (QTimer* t : window->findChildren<QTimer*>())
@@ -243,9 +215,8 @@ Offer offerOf(QWidget* window)
 
 QString nameOf(const QObject* o)
 {
-    if (!o->objectName().isEmpty())
-        return o->objectName();
-    return QString::fromLatin1(o->metaObject()->className());
+    return o->objectName().isEmpty() ? QString::fromLatin1(o->metaObject()->className())
+                                     : o->objectName();
 }
 
 QString shown(const QString& text)
@@ -256,10 +227,10 @@ QString shown(const QString& text)
 }
 
 const QList<Qt::Key> kKeys = {
-    Qt::Key_Return, Qt::Key_Enter, Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Escape,
-    Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Up,  Qt::Key_Down,    Qt::Key_Home,
-    Qt::Key_End,    Qt::Key_Space,  Qt::Key_0,      Qt::Key_1,       Qt::Key_5,
-    Qt::Key_9,      Qt::Key_Minus,  Qt::Key_Period, Qt::Key_Slash,
+    Qt::Key_Return, Qt::Key_Enter, Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Escape,
+    Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Up, Qt::Key_Down, Qt::Key_Home,
+    Qt::Key_End, Qt::Key_Space, Qt::Key_0, Qt::Key_1, Qt::Key_5,
+    Qt::Key_9, Qt::Key_Minus, Qt::Key_Period, Qt::Key_Slash,
 };
 
 // Where a field takes its keys: an editable combo's own line.
@@ -270,58 +241,28 @@ QWidget* inputOf(QWidget* field)
     return field;
 }
 
-bool hasSurrogates(const QString& text)
+void paste(QWidget* receiver, const QString& text)
 {
-    for (QChar c : text)
-        if (c.isSurrogate())
-            return true;
-    return false;
-}
-
-void clickButton(QAbstractButton* b)
-{
-    // Options and checks are hit on their box, buttons in their middle.
-    if (qobject_cast<QCheckBox*>(b) || qobject_cast<QRadioButton*>(b))
-        QTest::mouseClick(b, Qt::LeftButton, {}, QPoint(qMin(8, b->width() / 2), b->height() / 2));
-    else
-        QTest::mouseClick(b, Qt::LeftButton);
+    QGuiApplication::clipboard()->setText(text);
+    QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
 }
 
 }  // namespace
 
-void RandomUser::say(const QString& what) const
-{
-    if (announce)
-        announce(what);
-}
-
-QString RandomUser::press(QWidget* w, Qt::Key key, const QString& what) const
-{
-    say(what);
-    w->setFocus();
-    QTest::keyClick(w, key);
-    return what;
-}
-
-QString RandomUser::act(QWidget* window)
+void RandomUser::act(QWidget* window)
 {
     const Offer o = offerOf(window);
     enum Kind { Button, Type, Fill, Key, Cell, Menu, Combo, Tab, Tick, Close };
     QList<QPair<Kind, int>> kinds = {{Key, 12}, {Close, 1}};
-    if (!o.buttons.isEmpty())
-        kinds << qMakePair(Button, 30);
-    if (!o.fields.isEmpty())
-        kinds << qMakePair(Type, 25) << qMakePair(Fill, 8);
-    if (!o.grids.isEmpty())
-        kinds << qMakePair(Cell, 12);
-    if (!o.actions.isEmpty())
-        kinds << qMakePair(Menu, 10);
-    if (!o.combos.isEmpty())
-        kinds << qMakePair(Combo, 6);
-    if (!o.tabs.isEmpty())
-        kinds << qMakePair(Tab, 3);
-    if (!o.timers.isEmpty())
-        kinds << qMakePair(Tick, 2);
+    const auto offer = [&](bool any, Kind k, int weight) { if (any) kinds << qMakePair(k, weight); };
+    offer(!o.buttons.isEmpty(), Button, 30);
+    offer(!o.fields.isEmpty(), Type, 25);
+    offer(!o.fields.isEmpty(), Fill, 8);
+    offer(!o.grids.isEmpty(), Cell, 12);
+    offer(!o.actions.isEmpty(), Menu, 10);
+    offer(!o.combos.isEmpty(), Combo, 6);
+    offer(!o.tabs.isEmpty(), Tab, 3);
+    offer(!o.timers.isEmpty(), Tick, 2);
     int total = 0;
     for (const auto& k : kinds)
         total += k.second;
@@ -338,31 +279,33 @@ QString RandomUser::act(QWidget* window)
     switch (kind) {
     case Button: {
         QAbstractButton* b = m_dice.pick(o.buttons);
-        const QString what = QStringLiteral("clic en %1 %2").arg(nameOf(b), shown(b->text()));
-        say(what);
-        clickButton(b);
-        return what;
+        say(QStringLiteral("clic en %1 %2").arg(nameOf(b), shown(b->text())));
+        // Options and checks are hit on their box, buttons in their middle.
+        if (qobject_cast<QCheckBox*>(b) || qobject_cast<QRadioButton*>(b))
+            QTest::mouseClick(b, Qt::LeftButton, {}, QPoint(qMin(8, b->width() / 2), b->height() / 2));
+        else
+            QTest::mouseClick(b, Qt::LeftButton);
+        return;
     }
     case Type: {
         QWidget* field = m_dice.pick(o.fields);
         QWidget* receiver = inputOf(field);
         const QString text = m_dice.pick(nastyTexts());
-        const QString what = QStringLiteral("escribe %1 en %2").arg(shown(text), nameOf(field));
-        say(what);
+        say(QStringLiteral("escribe %1 en %2").arg(shown(text), nameOf(field)));
         receiver->setFocus();
         if (text.isEmpty() || m_dice.chance(50))
             QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);   // over what was there
+        const bool surrogates = std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
         if (text.isEmpty()) {
             QTest::keyClick(receiver, Qt::Key_Backspace);
-        } else if (text.size() <= 40 && !hasSurrogates(text) && m_dice.chance(70)) {
+        } else if (text.size() <= 40 && !surrogates && m_dice.chance(70)) {
             typeKeys(receiver, text);
         } else {
             // Long texts and emoji arrive pasted, as a user would bring them.
-            QGuiApplication::clipboard()->setText(text);
-            QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
+            paste(receiver, text);
             QTest::keyClick(receiver, Qt::Key_End);
         }
-        return what;
+        return;
     }
     case Fill: {
         // Every field at once, so that saves get past their checks and reach the store.
@@ -373,13 +316,12 @@ QString RandomUser::act(QWidget* window)
             QWidget* receiver = inputOf(field);
             receiver->setFocus();
             QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);
-            QGuiApplication::clipboard()->setText(m_dice.pick(texts));
-            QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
+            paste(receiver, m_dice.pick(texts));
         }
         for (QComboBox* c : o.combos)
             if (c->count() > 0)
                 c->setCurrentIndex(m_dice.below(c->count()));
-        return QStringLiteral("llena todos los campos");
+        return;
     }
     case Key: {
         QList<QWidget*> targets = o.fields;
@@ -395,8 +337,10 @@ QString RandomUser::act(QWidget* window)
                             : targets.isEmpty() ? window
                                                 : m_dice.pick(targets);
         const Qt::Key key = m_dice.pick(kKeys);
-        return press(receiver, key,
-                     QStringLiteral("tecla %1 en %2").arg(QKeySequence(key).toString(), nameOf(receiver)));
+        say(QStringLiteral("tecla %1 en %2").arg(QKeySequence(key).toString(), nameOf(receiver)));
+        receiver->setFocus();
+        QTest::keyClick(receiver, key);
+        return;
     }
     case Cell: {
         QAbstractItemView* v = m_dice.pick(o.grids);
@@ -407,63 +351,57 @@ QString RandomUser::act(QWidget* window)
             if (!table || !table->isColumnHidden(c))
                 columns << c;
         if (columns.isEmpty())
-            return QStringLiteral("%1 sin columnas visibles").arg(nameOf(v));
-        const int column = m_dice.pick(columns);
-        const QModelIndex index = v->model()->index(row, column, v->rootIndex());
+            return;
+        const QModelIndex index = v->model()->index(row, m_dice.pick(columns), v->rootIndex());
         v->scrollTo(index);
         const QRect cell = v->visualRect(index).intersected(v->viewport()->rect());
         const bool twice = m_dice.chance(15);
-        const QString what = QStringLiteral("%1 en la celda %2,%3 de %4")
-                                 .arg(twice ? QStringLiteral("doble clic") : QStringLiteral("clic"))
-                                 .arg(row)
-                                 .arg(column)
-                                 .arg(nameOf(v));
         if (cell.isEmpty())
-            return what + QStringLiteral(" (fuera de la vista)");
-        say(what);
+            return;
+        say(QStringLiteral("%1 en la celda %2,%3 de %4")
+                .arg(twice ? QStringLiteral("doble clic") : QStringLiteral("clic"))
+                .arg(row).arg(index.column()).arg(nameOf(v)));
         if (twice)
             QTest::mouseDClick(v->viewport(), Qt::LeftButton, {}, cell.center());
         else
             QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, cell.center());
-        return what;
+        return;
     }
     case Menu: {
         QAction* a = m_dice.pick(o.actions);
-        const QString what = QStringLiteral("menú %1 %2").arg(nameOf(a), shown(a->text()));
-        say(what);
+        say(QStringLiteral("menú %1 %2").arg(nameOf(a), shown(a->text())));
         a->trigger();
-        return what;
+        return;
     }
     case Combo: {
         QComboBox* c = m_dice.pick(o.combos);
         const Qt::Key key = m_dice.pick(
             QList<Qt::Key>{Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown});
-        return press(c, key, QStringLiteral("lista %1: %2").arg(nameOf(c), QKeySequence(key).toString()));
+        say(QStringLiteral("lista %1: %2").arg(nameOf(c), QKeySequence(key).toString()));
+        c->setFocus();
+        QTest::keyClick(c, key);
+        return;
     }
     case Tab: {
         QTabBar* t = m_dice.pick(o.tabs);
         const int i = m_dice.below(t->count());
-        const QString what = QStringLiteral("pestaña %1 de %2").arg(i).arg(nameOf(t));
-        say(what);
+        say(QStringLiteral("pestaña %1 de %2").arg(i).arg(nameOf(t)));
         t->setCurrentIndex(i);
-        return what;
+        return;
     }
-    case Close: {
+    case Close:
         // The window's own close box, whatever is under way.
         say(QStringLiteral("cierra la ventana"));
         window->close();
-        return QStringLiteral("cierra la ventana");
-    }
+        return;
     case Tick: {
         QTimer* t = m_dice.pick(o.timers);
-        const QString what = QStringLiteral("pasa el tiempo de %1").arg(nameOf(t));
-        say(what);
+        say(QStringLiteral("pasa el tiempo de %1").arg(nameOf(t)));
         QTimerEvent tick(t->timerId());
         QCoreApplication::sendEvent(t, &tick);
-        return what;
+        return;
     }
     }
-    return {};
 }
 
 }  // namespace tq::test
