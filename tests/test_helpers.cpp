@@ -16,6 +16,8 @@
 #include <QFile>
 #include <QImage>
 #include <QLineEdit>
+#include <QPagedPaintDevice>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -100,6 +102,7 @@ private slots:
     void registerFailuresReadNaturally();
     void fileProblemsInTheUsersWords();
     void dataFolderChoice();
+    void printingLoadsWhenFirstUsed();
 };
 
 void TestHelpers::moneyAndVal()
@@ -360,6 +363,42 @@ void TestHelpers::dataFolderChoice()
     QCOMPARE(resolveDataFolder({QStringLiteral("tarvenquil"), QStringLiteral("--data=") + arg}), arg);
     qunsetenv("TARVENQUIL_DATA");
     QVERIFY(!resolveDataFolder({QStringLiteral("tarvenquil")}).isEmpty());
+}
+
+
+namespace {
+bool printingLoaded()
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6PrintSupport");
+}
+}  // namespace
+
+// Qt's printing libraries stay out of the start-up: they come with the print
+// module, the first time something is printed.
+void TestHelpers::printingLoadsWhenFirstUsed()
+{
+    QVERIFY(!printingLoaded());
+    QCOMPARE(loadPrintModule(), QString());
+    QVERIFY(printingLoaded());
+    QCOMPARE(loadPrintModule(), QString());
+
+    test::ScriptedPrompts prompts;
+    int pages = 0;
+    const PaintPages twoPages = [&pages](QPagedPaintDevice& device) {
+        QPainter painter(&device);
+        painter.drawText(100, 100, QStringLiteral("Hoja 1"));
+        device.newPage();
+        painter.drawText(100, 100, QStringLiteral("Hoja 2"));
+        pages = 2;
+    };
+    QVERIFY(!tq::prompts().print(twoPages, QStringLiteral("Imprimir")));   // cancelled
+    QCOMPARE(pages, 0);
+    prompts.printers = {true};
+    QVERIFY(tq::prompts().print(twoPages, QStringLiteral("Imprimir")));
+    QCOMPARE(pages, 2);
+    QCOMPARE(prompts.printed.size(), 1);
+    QVERIFY(prompts.printed.front().startsWith("%PDF"));
 }
 
 QTEST_MAIN(TestHelpers)

@@ -107,10 +107,13 @@ QString RandomPrompts::saveFile(const QString& caption, const QString& proposed,
     return m_dice.pick(m_saveAnswers);
 }
 
-bool RandomPrompts::choosePrinter(QPrinter*, const QString& title)
+bool RandomPrompts::print(const PaintPages& paint, const QString& title)
 {
     prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
-    return m_dice.chance(50);
+    if (!m_dice.chance(50))
+        return false;
+    printOnPaper(paint);
+    return true;
 }
 
 void RandomPrompts::showModal(QWidget* screen)

@@ -46,7 +46,7 @@ public:
                                  const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
-    bool choosePrinter(QPrinter* printer, const QString& title) override;
+    bool print(const tq::PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 

@@ -6,6 +6,8 @@
 #include "foundation/ui/registry.h"
 
 #include <QApplication>
+#include <QBuffer>
+#include <QPdfWriter>
 #include <QDir>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -110,13 +112,26 @@ QString ScriptedPrompts::saveFile(const QString& caption, const QString& propose
     return f;
 }
 
-bool ScriptedPrompts::choosePrinter(QPrinter*, const QString& title)
+QByteArray printOnPaper(const PaintPages& paint)
+{
+    QBuffer paper;
+    paper.open(QIODevice::WriteOnly);
+    {
+        QPdfWriter printer(&paper);
+        paint(printer);
+    }
+    return paper.data();
+}
+
+bool ScriptedPrompts::print(const PaintPages& paint, const QString& title)
 {
     prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
     if (printers.empty())
         return false;
     const bool accepted = printers.front();
     printers.pop_front();
+    if (accepted)
+        printed.append(printOnPaper(paint));
     return accepted;
 }
 

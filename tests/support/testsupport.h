@@ -38,6 +38,10 @@ struct Prompt {
     Buttons buttons = Buttons::Ok;
 };
 
+// Paints a print job on paper that is kept in memory, as PDF: the job's own
+// drawing runs whole, as it would on a printer.
+QByteArray printOnPaper(const PaintPages& paint);
+
 // Records every prompt. Questions are answered from a queue (Yes when empty),
 // input boxes, file and printer dialogs from their own queues (cancel when empty),
 // modal screens by the handler given for their name (closed at once when none).
@@ -51,6 +55,7 @@ public:
     std::deque<std::optional<QString>> inputs;
     std::deque<QString> files;
     std::deque<bool> printers;   // true: the printer dialog is accepted
+    QList<QByteArray> printed;   // what the accepted printer dialogs printed, as PDF
     bool ended = false;
 
     void onModal(const QString& screen, std::function<void(QWidget*)> handler);
@@ -65,7 +70,7 @@ public:
                                  const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
-    bool choosePrinter(QPrinter* printer, const QString& title) override;
+    bool print(const tq::PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 

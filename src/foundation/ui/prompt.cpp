@@ -5,11 +5,11 @@
 #include <QDialog>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QDir>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
-#include <QPrintDialog>
-#include <QPrinter>
+#include <QLibrary>
 #include <QScreen>
 #include <QWidget>
 
@@ -17,7 +17,7 @@ namespace tq {
 
 PromptService::~PromptService() = default;
 
-bool PromptService::choosePrinter(QPrinter*, const QString&) { return false; }
+bool PromptService::print(const PaintPages&, const QString&) { return false; }
 
 bool PromptService::ask(const QString& text, const QString& title)
 {
@@ -134,11 +134,43 @@ QString QtPromptService::saveFile(const QString& caption, const QString& propose
                                         QFileDialog::DontConfirmOverwrite);
 }
 
-bool QtPromptService::choosePrinter(QPrinter* printer, const QString& title)
+namespace {
+
+// The entry point of the print module (foundation/print/printmodule.cpp).
+using PrintEntry = bool (*)(QWidget* parent, const QString& title, const PaintPages& paint);
+PrintEntry g_printEntry = nullptr;
+
+}  // namespace
+
+QString loadPrintModule()
 {
-    QPrintDialog dlg(printer, activeParent());
-    dlg.setWindowTitle(title);
-    return dlg.exec() == QDialog::Accepted;
+    if (g_printEntry)
+        return {};
+    // Beside the program once installed; in the build folder for the tests.
+    const QString file = QStringLiteral("libtarvenquil_print.so");
+    const QStringList places = {QCoreApplication::applicationDirPath(),
+                                QStringLiteral(TARVENQUIL_BUILD_DIR)};
+    for (const QString& place : places) {
+        QLibrary module(QDir(place).filePath(file));
+        if (!module.load())
+            continue;
+        g_printEntry = reinterpret_cast<PrintEntry>(module.resolve("tarvenquil_print_pages"));
+        if (g_printEntry)
+            return {};
+    }
+    return QStringLiteral("No se puede imprimir: no se encontró el módulo de impresión (%1) "
+                          "junto al programa.")
+        .arg(file);
+}
+
+bool QtPromptService::print(const PaintPages& paint, const QString& title)
+{
+    const QString problem = loadPrintModule();
+    if (!problem.isEmpty()) {
+        message(problem, Icon::Critical, QString::fromLatin1(kAppTitle), Buttons::Ok);
+        return false;
+    }
+    return g_printEntry(activeParent(), title, paint);
 }
 
 void QtPromptService::showModal(QWidget* screen)

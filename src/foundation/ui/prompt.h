@@ -5,9 +5,10 @@
 // scripted twin that records each prompt and answers from a script.
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <optional>
 
-class QPrinter;
+class QPagedPaintDevice;
 class QWidget;
 
 namespace tq {
@@ -15,6 +16,10 @@ namespace tq {
 enum class Icon { None, Information, Exclamation, Critical, Question };
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Answer { Ok, Cancel, Yes, No };
+
+// What a print job draws once a printer has been chosen: every page on the
+// device, each after the first begun with device.newPage().
+using PaintPages = std::function<void(QPagedPaintDevice& device)>;
 
 // Default title of message boxes, the program's own name.
 inline constexpr const char* kAppTitle = "Tarvenquil";
@@ -39,11 +44,12 @@ public:
     virtual QString saveFile(const QString& caption, const QString& proposed,
                              const QString& filter) = 0;
 
-    // The printer dialog: sets up `printer`; false when cancelled. A service
-    // that shows no printer dialog answers as the user who cancels: nothing
-    // is printed.
-    virtual bool choosePrinter(QPrinter* printer,
-                               const QString& title = QString::fromLatin1(kAppTitle));
+    // The printer dialog, then the pages on the printer chosen; false when
+    // cancelled or when nothing could be printed (the user has been told
+    // why). A service that shows no printer dialog answers as the user who
+    // cancels: nothing is printed.
+    virtual bool print(const PaintPages& paint,
+                       const QString& title = QString::fromLatin1(kAppTitle));
 
     // Shows a screen modally and returns when it has closed. The screen is
     // deleted on close (Qt::WA_DeleteOnClose is set by the service).
@@ -60,6 +66,11 @@ public:
 // screen), unless the window was placed on purpose with move().
 void centreWindow(QWidget* window);
 
+// Printing lives in a module of its own, loaded the first time something is
+// printed, so that the printing libraries cost nothing at start-up. Returns
+// an empty text when the module is loaded, or why it could not be.
+QString loadPrintModule();
+
 PromptService& prompts();
 // Installs a service (not owned) and returns the previous one.
 PromptService* installPrompts(PromptService* service);
@@ -72,7 +83,7 @@ public:
                                  const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
-    bool choosePrinter(QPrinter* printer, const QString& title) override;
+    bool print(const PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 };
