@@ -330,7 +330,8 @@ void RegisterScreen::remove()
     }
     if (!canDelete())
         return;
-    if (prompts().message(deleteQuestion(), Icon::Question, messageTitle(), Buttons::YesNo)
+    if (prompts().message(deleteQuestion(), Icon::Question, deleteQuestionTitle(),
+                          Buttons::YesNo)
         != Answer::Yes)
         return;
     {

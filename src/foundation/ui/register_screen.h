@@ -113,6 +113,8 @@ protected:
     // Checks before the delete question (with their own messages); true by default.
     virtual bool canDelete() { return true; }
     virtual QString deleteQuestion() const;
+    // Title of the delete question's box; the screen's message title by default.
+    virtual QString deleteQuestionTitle() const { return messageTitle(); }
     virtual QString modifiedMessage() const;
     virtual QString addedMessage() const { return {}; }
     virtual QString deletedMessage() const;
