@@ -89,6 +89,8 @@ int FBuscarArticulo::fill(const QString& sql, const QVariantList& binds)
     FlexGrid* g = ui->Grid1;
     g->setRows(1);
     g->setRows(n + 1);
+    if (n == 0)
+        return 0;
     g->setColumnTexts(0, codes, 1);
     g->setColumnTexts(1, names, 1);
     g->setColumnTexts(2, prices, 1);

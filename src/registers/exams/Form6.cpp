@@ -162,6 +162,8 @@ int Form6::fillGrid(const QString& sql, const QVariantList& binds)
     FlexGrid* g = ui->Grid1;
     g->setRows(1);
     g->setRows(n + 1);
+    if (n == 0)
+        return 0;
     for (int c = 0; c < Cols; ++c)
         g->setColumnTexts(c, cols[c], 1);
     return n;

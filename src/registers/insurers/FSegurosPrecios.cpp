@@ -49,6 +49,8 @@ int fillGrid(FlexGrid* g, const QString& sql, const QVariantList& binds)
     }
     g->setRows(1);
     g->setRows(n + 1);
+    if (n == 0)
+        return 0;
     g->setColumnTexts(Codigo, codes, 1);
     g->setColumnTexts(Descripcion, names, 1);
     g->setColumnTexts(Precio, prices, 1);

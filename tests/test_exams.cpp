@@ -1,0 +1,312 @@
+// The exam catalogue (Form6), its types (Form3) and the exam picker
+// (FBuscarArticulo through tq::chooseExam), driven by their controls.
+#include "testsupport.h"
+
+#include "foundation/base/appstate.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/flexgrid.h"
+#include "registers/pickers.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPointer>
+#include <QRadioButton>
+
+using namespace tq;
+using namespace tq::test;
+
+namespace {
+
+QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
+FlexGrid* grid(QWidget* w) { return control<FlexGrid>(w, "Grid1"); }
+QVariant value(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b); }
+
+int addType(const QString& name)
+{
+    return amb1().insert("TipoExamen", {"tipo_examen"}, {name}).toInt();
+}
+
+int addExam(int type, const QString& name, double price, double other = 0)
+{
+    return amb1()
+        .insert("Examenes", {"cod_tipo_examen", "examen", "precio", "precioo", "tiempo_entrega"},
+                {type, name, price, other, "1 dia"})
+        .toInt();
+}
+
+QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
+                  std::optional<Answer> answer = {})
+{
+    sp.clear();
+    if (answer)
+        sp.answers.push_back(*answer);
+    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
+}
+
+void clickGridRow(FlexGrid* g, int row)
+{
+    const QRect r = g->visualRect(g->model()->index(row - 1, 1));
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
+}
+
+// The grid row (1..) whose column holds `text`, or -1.
+int findRow(FlexGrid* g, int col, const QString& text)
+{
+    for (int r = 1; r < g->rows(); ++r)
+        if (g->textMatrix(r, col) == text)
+            return r;
+    return -1;
+}
+
+void pickEntry(QComboBox* combo, int index)
+{
+    combo->setFocus();
+    for (int guard = 0; combo->currentIndex() != index && guard < 50; ++guard)
+        QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
+}
+
+// The rows a picker shows: "code|name|price".
+QStringList shown(FlexGrid* g)
+{
+    QStringList out;
+    for (int r = 1; r < g->rows(); ++r)
+        out << g->textMatrix(r, 0) + "|" + g->textMatrix(r, 1) + "|" + g->textMatrix(r, 2);
+    return out;
+}
+
+}  // namespace
+
+class TestExams : public QObject {
+    Q_OBJECT
+
+private slots:
+    // The list of 100 by name, the search anywhere in the name (past the
+    // first 100 too), the hidden column, and what a price box accepts.
+    void form6ListSearchAndPriceKeys()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        QPointer<QWidget> w = openScreen("Form6");
+        QCOMPARE(sp.messages(), QStringList{"no existe ningun examen creado hasta el momento"});
+        QCOMPARE(state().screenNumber, std::int16_t(6));
+        w->close();
+
+        const int type = addType("Hematologia");
+        for (int i = 0; i < 105; ++i)
+            addExam(type, QString("Examen %1").arg(i, 3, 10, QChar('0')), 10 + i);
+        const int oneil = addExam(type, "Zinc de O'Neil", 0.5, 80);
+        sp.clear();
+        w = openScreen("Form6");
+        QVERIFY(sp.messages().isEmpty());
+        FlexGrid* g = grid(w);
+        QCOMPARE(g->rows(), 101);
+        QCOMPARE(g->textMatrix(1, 2), QString("Examen 000"));
+        QCOMPARE(g->textMatrix(100, 2), QString("Examen 099"));
+        QCOMPARE(g->colWidth(6), 0);
+        QCOMPARE(edit(w, "Text2")->text(), QString("Examen 000"));
+        QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(),
+                 QString("%1_Hematologia").arg(type));
+
+        typeKeys(edit(w, "Text1"), "'Nei");
+        QCOMPARE(g->rows(), 2);
+        QCOMPARE(g->textMatrix(1, 1), QString::number(oneil));
+        QCOMPARE(g->textMatrix(1, 3), QString(".50"));
+        QCOMPARE(g->textMatrix(1, 5), QString("80.00"));
+        clickGridRow(g, 1);
+        QCOMPARE(edit(w, "Text2")->text(), QString("Zinc de O'Neil"));
+        retype(edit(w, "Text1"), "n 10");
+        QCOMPARE(g->rows(), 6);   // Examen 100 .. 104, beyond the first hundred
+        clickGridRow(g, 1);
+
+        // Prices take digits, the point and the slash; "12/5" stores 12.
+        QVERIFY(clickNamed(w, "modificar"));
+        retype(edit(w, "Text3"), "");
+        typeKeys(edit(w, "Text3"), "1a2-/ 5x");
+        QCOMPARE(edit(w, "Text3")->text(), QString("12/5"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
+        QCOMPARE(value("SELECT precio FROM Examenes WHERE examen = 'Examen 100'").toDouble(), 12.0);
+    }
+
+    // The checks of Guardar in order, a name too long for the store, and
+    // llenaresultado: an add keeps the default, a modify takes Combo2.
+    void form6SaveChecksAndFillsResult()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int type = addType("Quimica");
+        QPointer<QWidget> w = openScreen("Form6");
+        auto* types = control<QComboBox>(w, "Combo1");
+        auto* fills = control<QComboBox>(w, "Combo2");
+
+        QVERIFY(clickNamed(w, "agregar"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe especificar el tipo de Examen"});
+        QCOMPARE(w->focusWidget(), types);
+        pickEntry(types, 0);
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe especificar un Nombre de Examen"});
+        typeKeys(edit(w, "Text2"), QString(101, 'x'));
+        QCOMPARE(press(w, "guardar", sp),
+                 QStringList{"El nombre del examen no puede tener más de 100 caracteres."});
+        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 0);
+
+        retype(edit(w, "Text2"), "Glucosa D'Arcy");
+        typeKeys(edit(w, "Text3"), "45.5");
+        pickEntry(fills, 0);
+        QCOMPARE(fills->currentText(), QString("Si"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
+        const int code = value("SELECT cod_descripcionexamen FROM Examenes WHERE examen = ?",
+                               {"Glucosa D'Arcy"})
+                             .toInt();
+        QVERIFY(code > 0);
+        QCOMPARE(value("SELECT llenaresultado FROM Examenes WHERE cod_descripcionexamen = ?", {code})
+                     .toInt(),
+                 0);
+        QCOMPARE(value("SELECT precio FROM Examenes WHERE cod_descripcionexamen = ?", {code}).toDouble(),
+                 45.5);
+        QCOMPARE(value("SELECT precioo FROM Examenes WHERE cod_descripcionexamen = ?", {code}).toDouble(),
+                 0.0);
+        QCOMPARE(value("SELECT cod_tipo_examen FROM Examenes").toInt(), type);
+
+        // The grid shows "No" for it; a modify with "Si" sets it.
+        clickGridRow(grid(w), 1);
+        QCOMPARE(fills->currentText(), QString("No"));
+        QVERIFY(clickNamed(w, "modificar"));
+        pickEntry(fills, 0);
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
+        QCOMPARE(value("SELECT llenaresultado FROM Examenes WHERE cod_descripcionexamen = ?", {code})
+                     .toInt(),
+                 1);
+        QCOMPARE(grid(w)->textMatrix(1, 6), QString("Si"));
+    }
+
+    // An exam on an invoice can't go; the others go after "Confirme".
+    void form6Delete()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int type = addType("Orina");
+        const int billed = addExam(type, "Examen A", 10);
+        const int free = addExam(type, "Examen B", 20);
+        amb1().execute("INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad) "
+                       "VALUES (1, ?, 1)",
+                       {billed});
+        // A price list does not hold an exam back.
+        amb1().execute("INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
+                       "VALUES (0, ?, 5)",
+                       {free});
+        QPointer<QWidget> w = openScreen("Form6");
+        FlexGrid* g = grid(w);
+
+        clickGridRow(g, findRow(g, 1, QString::number(billed)));
+        QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
+                 QStringList{"No se puede eliminar el Examen, tiene facturas creadas a su nombre"});
+        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 2);
+
+        clickGridRow(g, findRow(g, 1, QString::number(free)));
+        QCOMPARE(press(w, "eliminar", sp, Answer::No), QStringList{"Esta seguro de eliminar el examen"});
+        QCOMPARE(sp.prompts[0].title, QString("Confirme"));
+        QCOMPARE(sp.prompts[0].buttons, Buttons::YesNo);
+        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 2);
+        QCOMPARE(press(w, "eliminar", sp, Answer::Yes), QStringList{"Esta seguro de eliminar el examen"});
+        QCOMPARE(value("SELECT COUNT(*) FROM Examenes WHERE cod_descripcionexamen = ?", {free}).toInt(), 0);
+        QCOMPARE(g->rows(), 2);
+    }
+
+    // "+" opens the type screen; a type added there is at once in Combo1.
+    // Renaming needs a chosen row.
+    void form3AddsAndRenamesTypes()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int first = addType("Heces");
+        QPointer<QWidget> w = openScreen("Form6");
+        QString seen;
+        sp.onModal("Form3", [&](QWidget* f3) {
+            QCOMPARE(f3->windowTitle(), QString("Pantalla Edicion de Tipos Examen"));
+            QVERIFY(clickNamed(f3, "Command2"));
+            seen = sp.lastMessage();
+            typeKeys(edit(f3, "Text1"), "Química O'Neil");
+            QVERIFY(clickNamed(f3, "Command1"));
+            QCOMPARE(edit(f3, "Text1")->text(), QString());
+            auto* dg = control<DataGrid>(f3, "DataGrid1");
+            QCOMPARE(dg->rows(), 2);
+            const QRect r = dg->visualRect(dg->model()->index(0, 1));
+            QTest::mouseClick(dg->viewport(), Qt::LeftButton, {}, r.center());
+            QCOMPARE(edit(f3, "Text1")->text(), QString("Heces"));
+            retype(edit(f3, "Text1"), "Heces y Orina");
+            QVERIFY(clickNamed(f3, "Command2"));
+        });
+        QVERIFY(clickNamed(w, "Command1"));
+        QCOMPARE(seen, QString("Debe seleccionar un tipo de examen de la lista."));
+        QCOMPARE(sp.lastMessage(), QString("Se ha modificado el registro"));
+        QCOMPARE(value("SELECT tipo_examen FROM TipoExamen WHERE cod_tipo_examen = ?", {first}).toString(),
+                 QString("Heces y Orina"));
+        auto* types = control<QComboBox>(w, "Combo1");
+        QCOMPARE(types->count(), 2);
+        QVERIFY(types->itemText(1).endsWith("_Química O'Neil"));
+    }
+
+    // An insured patient is offered only his insurer's list at its prices;
+    // anyone else every exam at its list price. The choice comes back whole.
+    void pickerPriceRule()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int type = addType("Varios");
+        const int a = addExam(type, "Acido Urico", 100);
+        const int b = addExam(type, "Bilirrubina O'Neil", 200);
+        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (7, 'Seguros Sur')");
+        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (8, 'Sin Lista')");
+        amb1().execute("INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
+                       "VALUES (7, ?, 75.5)",
+                       {b});
+
+        QStringList list;
+        std::int16_t selector = 0;
+        sp.onModal("FBuscarArticulo", [&](QWidget* p) {
+            selector = state().articlePicker;
+            list = shown(grid(p));
+            clickGridRow(grid(p), 1);
+        });
+        auto chosen = chooseExam(ExamCaller::Order, 7);
+        QCOMPARE(list, QStringList{QString("%1|Bilirrubina O'Neil|75.50").arg(b)});
+        QCOMPARE(selector, std::int16_t(2));
+        QCOMPARE(state().articlePicker, std::int16_t(0));
+        QVERIFY(chosen);
+        QCOMPARE(chosen->code, b);
+        QCOMPARE(chosen->name, QString("Bilirrubina O'Neil"));
+        QCOMPARE(chosen->price, 75.5);
+
+        // Uninsured: every exam at precio; a search by description starts
+        // with the text, apostrophe included.
+        sp.onModal("FBuscarArticulo", [&](QWidget* p) {
+            list = shown(grid(p));
+            QTest::mouseClick(control<QRadioButton>(p, "Option2"), Qt::LeftButton);
+            typeKeys(edit(p, "Text1"), "Bilirrubina O'");
+            QCOMPARE(grid(p)->textMatrix(0, 0), QString("CODIGO"));
+            QCOMPARE(grid(p)->rows(), 2);
+            clickGridRow(grid(p), 1);
+        });
+        chosen = chooseExam(ExamCaller::Invoice, 0);
+        QCOMPARE(list, (QStringList{QString("%1|Acido Urico|100.00").arg(a),
+                                    QString("%1|Bilirrubina O'Neil|200.00").arg(b)}));
+        QVERIFY(chosen);
+        QCOMPARE(chosen->price, 200.0);
+
+        // By code, for the insured: only his list is searched.
+        sp.onModal("FBuscarArticulo", [&](QWidget* p) {
+            typeKeys(edit(p, "Text1"), QString::number(a));
+            list = shown(grid(p));
+        });
+        QVERIFY(!chooseExam(ExamCaller::Invoice, 7));
+        QVERIFY(list.isEmpty());
+
+        // An insurer without a list: nothing to choose.
+        sp.clear();
+        QVERIFY(!chooseExam(ExamCaller::Invoice, 8));
+        QCOMPARE(sp.messages(), QStringList{"No existen examenes creados"});
+    }
+};
+
+QTEST_MAIN(TestExams)
+#include "test_exams.moc"
