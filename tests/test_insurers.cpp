@@ -1,5 +1,6 @@
 // Insurers (Fseguro) and their price lists (FSegurosPrecios), driven by
 // their controls.
+#include "store_faults.h"
 #include "testsupport.h"
 
 #include "foundation/data/amb1.h"
@@ -220,6 +221,16 @@ private slots:
         QVERIFY(clickNamed(w, "Command2"));
         QCOMPARE(total->text(), QString("1"));
 
+        // A store failing mid-save leaves the list as it was, and the screen
+        // keeps what was typed for a second try.
+        StoreFaults faults;
+        faults.failAfter(1);
+        const QStringList failed = press(w, "Command3", sp);
+        QCOMPARE(failed.size(), 1);
+        QVERIFY2(failed[0].startsWith("No se pudieron guardar los precios del seguro."), qPrintable(failed[0]));
+        QCOMPARE(storedList(7), QStringList{a + "=50"});
+        QCOMPARE(g2->rows(), 3);
+        faults.heal();
         QCOMPARE(press(w, "Command3", sp), QStringList{"Los examenes se asignaron exitosamente"});
         QCOMPARE(storedList(7), (QStringList{a + "=55", b + "=80.25"}));
         QCOMPARE(combo->currentIndex(), -1);
