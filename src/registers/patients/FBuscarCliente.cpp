@@ -47,7 +47,8 @@ void fill(FlexGrid* g, const Recordset& rs, const QStringList& headers, const QS
     g->setRows(n + 1);
     for (int c = 0; c < headers.size(); ++c) {
         g->setTextMatrix(0, c, headers[c]);
-        g->setColumnTexts(c, std::move(columns[c]));
+        if (n > 0)
+            g->setColumnTexts(c, std::move(columns[c]));
     }
 }
 

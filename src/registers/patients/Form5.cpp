@@ -148,7 +148,8 @@ void Form5::fillGrid(const QString& condition, const QString& pattern)
     g->setRows(n + 1);
     for (int c = 0; c < kColumnCount; ++c) {
         g->setTextMatrix(0, c, QLatin1String(kColumns[c].header));
-        g->setColumnTexts(c, std::move(columns[c]));
+        if (n > 0)
+            g->setColumnTexts(c, std::move(columns[c]));
     }
 }
 
