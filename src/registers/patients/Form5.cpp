@@ -327,15 +327,23 @@ std::optional<Refusal> Form5::validate(int mode)
 }
 
 // The columns as the save writes them: without insurer, asegurado false and
-// code 0 whatever Combo1 shows.
+// code 0 whatever Combo1 shows. An empty optional box stores nothing.
 QList<QVariant> Form5::rowValues() const
 {
     const bool insured = ui->Option2->isChecked();
     const std::int32_t insurer = insured ? toInt32(Val(ui->Combo1->currentText())) : 0;
-    return {ui->Text2->text(),        ui->Text3->text(),        ui->Combo2->currentText(),
-            ui->DT->date(),           ui->Text5->text(),        ui->Text6->text(),
-            ui->Text4->text(),        ui->Text9->text(),        ui->Text7->text(),
-            insured,                  insurer,                  ui->Check1->isChecked()};
+    return {ui->Text2->text(),
+            ui->Text3->text(),
+            nullIfEmpty(ui->Combo2->currentText()),
+            ui->DT->date(),
+            nullIfEmpty(ui->Text5->text()),
+            nullIfEmpty(ui->Text6->text()),
+            nullIfEmpty(ui->Text4->text()),
+            nullIfEmpty(ui->Text9->text()),
+            nullIfEmpty(ui->Text7->text()),
+            insured,
+            insurer,
+            ui->Check1->isChecked()};
 }
 
 QVariant Form5::saveAdd()
