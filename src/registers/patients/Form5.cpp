@@ -275,6 +275,8 @@ void Form5::fillInsurers()
 void Form5::editStarted(int mode)
 {
     if (mode == AddMode) {
+        // A new patient starts from today, not from the birth date last shown.
+        ui->DT->setDate(QDate::currentDate());
         ui->Label12->setText(QStringLiteral(" 0 años "));
         ui->Option1->setChecked(true);
         ui->Combo1->setEditText(kNoInsurer);
