@@ -105,5 +105,6 @@ QString narrowedSource(const QString& command, const QString& child, const QStri
 // The areas of the program, each adding its paths.
 void addFoundationPaths(Bench& bench, const Context& context);
 void addExamPaths(Bench& bench, const Context& context);
+void addPatientPaths(Bench& bench, const Context& context);
 
 }  // namespace bench

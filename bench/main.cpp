@@ -112,6 +112,7 @@ int main(int argc, char** argv)
         bench::Bench b;
         bench::addFoundationPaths(b, c);
         bench::addExamPaths(b, c);
+        bench::addPatientPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();

@@ -228,6 +228,7 @@ private slots:
               "(factura = 1 or factura = 7) and total<50 and factura <> 1",
               "fecha < '22/11/2026' or total >= 150", "nombre_paciente like 'álv*'"}},
             {"rsCommand2", {"total = 100.5", "total > 100"}},
+            {"rsRepClienteexamen_Grouping", {"Cod_Paciente =" + QString::number(nunez)}},
             {"rscomision_Grouping",
              {"pagada_doc = 0 and cod_doctor = " + QString::number(soto)
                   + " and fecha >= '22/11/2026' and fecha <= '23/11/2026'",

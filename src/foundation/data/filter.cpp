@@ -363,15 +363,25 @@ private:
             if (lit.kind == Literal::Null)
                 fail(QStringLiteral("Like necesita un texto"));
             // * and % stand for any run of characters, _ and ? for one.
-            QString re;
+            // Plain text is escaped a run at a time, so that a letter written
+            // as two UTF-16 units (an emoji) stays whole.
+            QString re, plain;
+            const auto flush = [&] {
+                re += QRegularExpression::escape(plain);
+                plain.clear();
+            };
             for (const QChar ch : lit.text) {
-                if (ch == QLatin1Char('*') || ch == QLatin1Char('%'))
+                if (ch == QLatin1Char('*') || ch == QLatin1Char('%')) {
+                    flush();
                     re += QStringLiteral(".*");
-                else if (ch == QLatin1Char('_') || ch == QLatin1Char('?'))
+                } else if (ch == QLatin1Char('_') || ch == QLatin1Char('?')) {
+                    flush();
                     re += QLatin1Char('.');
-                else
-                    re += QRegularExpression::escape(QString(ch));
+                } else {
+                    plain += ch;
+                }
             }
+            flush();
             c.like = QRegularExpression(QRegularExpression::anchoredPattern(re),
                                         QRegularExpression::CaseInsensitiveOption
                                             | QRegularExpression::DotMatchesEverythingOption);

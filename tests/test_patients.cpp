@@ -1,0 +1,391 @@
+// The patient register Form5, the patient pickers FBuscarCliente and
+// listaclientes, and Form30, driven through their controls on a fresh store.
+#include "testsupport.h"
+
+#include "foundation/base/appstate.h"
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/flexgrid.h"
+#include "foundation/ui/registry.h"
+#include "registers/pickers.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPointer>
+#include <QRadioButton>
+
+using namespace tq;
+using namespace tq::test;
+
+namespace {
+
+int addInsurer(int code, const QString& company)
+{
+    amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (?, ?)", {code, company});
+    return code;
+}
+
+int addPatient(const QString& name, const QString& surname, int insurer = 0,
+               const QDate& birth = QDate(1990, 5, 20), const QString& sex = "Femenino")
+{
+    return amb1()
+        .insert("Pacientes",
+                {"nombre_paciente", "apellido_paciente", "sexo", "fecha_nacimiento",
+                 "direccion_paciente", "asegurado", "Cod_seguro"},
+                {name, surname, sex, birth, "Col. Kennedy", insurer != 0, insurer})
+        .toInt();
+}
+
+int count(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b).toInt(); }
+
+QString patientField(int code, const QString& column)
+{
+    return amb1().scalar("SELECT " + column + " FROM Pacientes WHERE cod_paciente = ?", {code}).toString();
+}
+
+// The texts of a flex grid column, data rows only.
+QStringList column(FlexGrid* g, int col)
+{
+    QStringList out;
+    for (int r = 1; r < g->rows(); ++r)
+        out << g->textMatrix(r, col);
+    return out;
+}
+
+void clickGridRow(QTableView* grid, int modelRow)
+{
+    const QRect r = grid->visualRect(grid->model()->index(modelRow, 1));
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, r.center());
+}
+
+// Clicks the flex grid row that holds `code` in its first column.
+bool clickCode(FlexGrid* g, int code)
+{
+    const int at = column(g, 0).indexOf(QString::number(code));
+    if (at < 0)
+        return false;
+    clickGridRow(g, at);
+    return true;
+}
+
+QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
+                  std::optional<Answer> answer = {})
+{
+    sp.clear();
+    if (answer)
+        sp.answers.push_back(*answer);
+    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
+}
+
+void pick(QComboBox* combo, const QString& entry)
+{
+    combo->setFocus();
+    const int at = combo->findText(entry);
+    for (int guard = 0; combo->currentIndex() != at && guard < 20; ++guard)
+        QTest::keyClick(combo, combo->currentIndex() < at ? Qt::Key_Down : Qt::Key_Up);
+}
+
+// Clicks an option on its round mark, as a user does.
+void tick(QRadioButton* option)
+{
+    QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(6, option->height() / 2));
+}
+
+const QString kNotes = "No puede cambiar el seguro del paciente ya que tiene cuentas por cobrar "
+                       "pendientes";
+
+}  // namespace
+
+class TestPatients : public QObject {
+    Q_OBJECT
+
+private slots:
+    // The list: the join with seguros, the columns, the first row shown, the two
+    // searches (start of the name, anywhere in the surname), apostrophes and
+    // wildcards typed as plain text; selecting a row; "Estado".
+    void registerListAndSearches()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        {
+            QPointer<QWidget> empty = openScreen("Form5");
+            QCOMPARE(sp.messages(), QStringList{"no existe ningun paciente creado hasta el momento"});
+            empty->close();
+        }
+        addInsurer(3, "Seguros Atlántida");
+        addInsurer(7, "Palic");
+        const int ana = addPatient("Ana", "López");
+        const int andrea = addPatient("Andrea", "O'Neil", 3, QDate(QDate::currentDate().year() - 30, 12, 31));
+        const int juan = addPatient("Juan", "Mejía Andino");
+        const int carla = addPatient("Carla", "Pérez", 7);
+        addPatient("Luis", "100%");
+        amb1().execute("DELETE FROM seguros WHERE Cod_Seguro = 7");
+
+        state().screenNumber = 0;
+        sp.clear();
+        QPointer<QWidget> w = openScreen("Form5");
+        QVERIFY(sp.messages().isEmpty());
+        QCOMPARE(state().screenNumber, std::int16_t(5));
+        auto* g = control<FlexGrid>(w, "Grid1");
+        QCOMPARE(g->cols(), 13);
+        QCOMPARE(g->textMatrix(0, 10), QString("COD SEGURO"));
+        for (int c = 10; c < 13; ++c)
+            QVERIFY(g->colWidth(c) == 0 && g->isColumnHidden(c));
+        QCOMPARE(g->colWidth(7), 3500);
+        // Carla's insurer row is gone: she is not listed.
+        QCOMPARE(column(g, 0).contains(QString::number(carla)), false);
+        QCOMPARE(column(g, 1), (QStringList{"Ana", "Andrea", "Juan", "Luis"}));
+        QCOMPARE(control<QLineEdit>(w, "Text2")->text(), QString("Ana"));
+        QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(), QString("0 Sin Seguro"));
+        QVERIFY(control<QRadioButton>(w, "Option1")->isChecked());
+
+        auto* text1 = control<QLineEdit>(w, "Text1");
+        retype(text1, "An");
+        QCOMPARE(column(g, 1), (QStringList{"Ana", "Andrea"}));
+        retype(text1, "dre");   // inside the name: not a start
+        QCOMPARE(g->rows(), 1);
+        tick(control<QRadioButton>(w, "Option4"));
+        retype(text1, "and");   // anywhere in the surname
+        QCOMPARE(column(g, 0), QStringList{QString::number(juan)});
+        retype(text1, "o'n");
+        QCOMPARE(column(g, 0), QStringList{QString::number(andrea)});
+        retype(text1, "0%");
+        QCOMPARE(column(g, 2), QStringList{"100%"});
+        retype(text1, "%");
+        QCOMPARE(column(g, 2), QStringList{"100%"});
+
+        // Selecting Andrea: her insurer, and the age as calendar years although
+        // her birthday (31 December) is still to come.
+        retype(text1, "");
+        QVERIFY(clickCode(g, andrea));
+        QVERIFY(control<QRadioButton>(w, "Option2")->isChecked());
+        QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(), QString("3 Seguros Atlántida"));
+        QCOMPARE(control<QLabel>(w, "Label12")->text(), QString("30 años"));
+
+        // "Estado" hands the patient to the history screen.
+        QPointer<QWidget> history;
+        ScreenRegistry::instance().add("FHistorial", [](QWidget* parent) -> QWidget* {
+            auto* h = new QWidget(parent);
+            (new QLabel(h))->setObjectName("Label9");
+            return h;
+        });
+        sp.onModal("FHistorial", [&](QWidget* h) {
+            QCOMPARE(h->property("cod_paciente").toInt(), andrea);
+            QCOMPARE(h->findChild<QLabel*>("Label9")->text(), QString("Andrea O'Neil"));
+            history = h;
+        });
+        QVERIFY(clickNamed(w, "Command1"));
+        QVERIFY(!sp.prompts.isEmpty() && sp.prompts.last().text == "FHistorial");
+        Q_UNUSED(ana);
+    }
+
+    // The checks of "Guardar" in order, each with its focus and nothing
+    // written; too long a name; the columns written, Option1 storing no insurer
+    // whatever Combo1 shows; the age worked out as the date changes.
+    void registerSaves()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        addInsurer(3, "Seguros Atlántida");
+        const int ana = addPatient("Ana", "López", 3);
+        QPointer<QWidget> w = openScreen("Form5");
+        auto* combo1 = control<QComboBox>(w, "Combo1");
+
+        QVERIFY(clickNamed(w, "agregar"));
+        QCOMPARE(control<QLabel>(w, "Label12")->text(), QString(" 0 años "));
+        QCOMPARE(combo1->currentText(), QString("0 Sin Seguro"));
+        QVERIFY(!combo1->isEnabled());
+        const auto refused = [&](const QString& message, const QString& field) {
+            const QStringList shown = press(w, "guardar", sp);
+            return shown == QStringList{message} && w->focusWidget() == control<QWidget>(w, field)
+                   && count("SELECT COUNT(*) FROM Pacientes") == 1;
+        };
+        QVERIFY(refused("Debe ingresar el nombre", "Text2"));
+        retype(control<QLineEdit>(w, "Text2"), QString(61, QChar('x')));
+        QVERIFY(refused("El nombre no puede pasar de 60 caracteres; acórtelo, por favor.", "Text2"));
+        retype(control<QLineEdit>(w, "Text2"), "Bertha");
+        QVERIFY(refused("Debe ingresar el apellido", "Text3"));
+        retype(control<QLineEdit>(w, "Text3"), "D'Antoni");
+        tick(control<QRadioButton>(w, "Option2"));
+        QVERIFY(combo1->isEnabled());
+        combo1->setCurrentIndex(-1);
+        combo1->clearEditText();
+        QVERIFY(refused("Debe ingresar el seguro", "Combo1"));
+        pick(combo1, "0 Sin Seguro");
+        QVERIFY(refused("el codigo del seguro no puede ser 0 Sin Seguro", "Combo1"));
+        pick(combo1, "3 Seguros Atlántida");
+        pick(control<QComboBox>(w, "Combo2"), "Femenino");
+        // 35 month boundaries: 2 years and 10 months, the month lost to truncation.
+        const QDate birth = QDate::currentDate().addMonths(-35);
+        control<QDateEdit>(w, "DT")->setDate(birth);
+        QCOMPARE(control<QLabel>(w, "Label12")->text(), QString("2 Años 10 meses"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{"El paciente se ingreso exitosamente"});
+        const int bertha = count("SELECT cod_paciente FROM Pacientes WHERE apellido_paciente = ?",
+                                 {"D'Antoni"});
+        QVERIFY(bertha > ana);
+        QCOMPARE(patientField(bertha, "Cod_seguro"), QString("3"));
+        QCOMPARE(patientField(bertha, "asegurado"), QString("1"));
+        QCOMPARE(patientField(bertha, "sexo"), QString("Femenino"));
+        QCOMPARE(patientField(bertha, "fecha_nacimiento"), birth.toString(Qt::ISODate));
+        QCOMPARE(control<QLineEdit>(w, "Text3")->text(), QString("D'Antoni"));
+
+        // Back to "Sin seguro" with Combo1 still on insurer 3: no insurer stored.
+        QVERIFY(clickNamed(w, "modificar"));
+        tick(control<QRadioButton>(w, "Option1"));
+        QCOMPARE(combo1->currentText(), QString("3 Seguros Atlántida"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{"El paciente se modifico exitosamente"});
+        QCOMPARE(patientField(bertha, "Cod_seguro"), QString("0"));
+        QCOMPARE(patientField(bertha, "asegurado"), QString("0"));
+    }
+
+    // A receivable, even one the insurer has paid, keeps the insurer: neither
+    // another insurer nor "Sin seguro"; the rest of the patient still changes.
+    void receivablesKeepTheInsurer()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        addInsurer(3, "Seguros Atlántida");
+        addInsurer(4, "Pan American");
+        const int ana = addPatient("Ana", "López", 3);
+        amb1().execute("INSERT INTO cxc (factura, Cod_paciente, estado) VALUES (1, ?, TRUE)", {ana});
+        QPointer<QWidget> w = openScreen("Form5");
+        QVERIFY(clickNamed(w, "modificar"));
+        pick(control<QComboBox>(w, "Combo1"), "4 Pan American");
+        QCOMPARE(press(w, "guardar", sp), QStringList{kNotes});
+        tick(control<QRadioButton>(w, "Option1"));
+        QCOMPARE(press(w, "guardar", sp), QStringList{kNotes});
+        QCOMPARE(patientField(ana, "Cod_seguro"), QString("3"));
+        tick(control<QRadioButton>(w, "Option2"));
+        pick(control<QComboBox>(w, "Combo1"), "3 Seguros Atlántida");
+        retype(control<QLineEdit>(w, "Text5"), "2233-4455");
+        QCOMPARE(press(w, "guardar", sp), QStringList{"El paciente se modifico exitosamente"});
+        QCOMPARE(patientField(ana, "tel_paciente"), QString("2233-4455"));
+    }
+
+    // Any invoice, a voided one too, keeps the patient; otherwise the question decides.
+    void deletes()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const int ana = addPatient("Ana", "López");
+        const int beto = addPatient("Beto", "Zúniga");
+        amb1().execute("INSERT INTO Factura (factura, cod_paciente, anulada) VALUES (1, ?, TRUE)", {ana});
+        QPointer<QWidget> w = openScreen("Form5");
+        QCOMPARE(press(w, "eliminar", sp),
+                 QStringList{"El paciente posee transacciones con nosotros no puede ser eliminado"});
+        QCOMPARE(count("SELECT COUNT(*) FROM Pacientes"), 2);
+
+        clickCode(control<FlexGrid>(w, "Grid1"), beto);
+        QCOMPARE(press(w, "eliminar", sp, Answer::No),
+                 QStringList{"Esta seguro de querer eliminar el paciente"});
+        QCOMPARE(count("SELECT COUNT(*) FROM Pacientes"), 2);
+        QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
+                 (QStringList{"Esta seguro de querer eliminar el paciente",
+                              "El paciente fue eliminado existosamente"}));
+        QCOMPARE(count("SELECT COUNT(*) FROM Pacientes WHERE cod_paciente = ?", {beto}), 0);
+        QCOMPARE(control<QLineEdit>(w, "Text2")->text(), QString("Ana"));   // the first row again
+    }
+
+    // FBuscarCliente for a caller: the selector while open, every patient (one
+    // whose insurer row is gone too), the searches by start of surname or name,
+    // the choice handed back (with the sex only for result printing), nothing
+    // when closed without a choice.
+    void patientPicker()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        sp.onModal("FBuscarCliente", [](QWidget*) {});
+        QCOMPARE(choosePatient(PatientCaller::Invoice).has_value(), false);
+        QCOMPARE(sp.messages(), QStringList{"No existen Pacientes creados"});
+
+        addInsurer(7, "Palic");
+        addPatient("Ana", "López");
+        const int carla = addPatient("Carla", "Pérez", 7, QDate(1985, 2, 1));
+        addPatient("Óscar", "O'Neil", 0, QDate(1970, 1, 1), "Masculino");
+        amb1().execute("DELETE FROM seguros WHERE Cod_Seguro = 7");
+
+        std::int16_t selector = 0;
+        sp.onModal("FBuscarCliente", [&](QWidget* w) {
+            selector = state().clientPicker;
+            auto* g = control<FlexGrid>(w, "Grid1");
+            QCOMPARE(g->textMatrix(0, 0), QString("CÓDIGO"));
+            QCOMPARE(column(g, 2), (QStringList{"López", "O'Neil", "Pérez"}));
+            retype(control<QLineEdit>(w, "Text1"), "o'n");
+            QCOMPARE(g->cols(), 4);
+            QCOMPARE(column(g, 1), QStringList{"Óscar"});
+            retype(control<QLineEdit>(w, "Text1"), "érez");   // surname: only its start
+            QCOMPARE(g->rows(), 1);
+            tick(control<QRadioButton>(w, "Option1"));
+            retype(control<QLineEdit>(w, "Text1"), "car");
+            QCOMPARE(column(g, 0), QStringList{QString::number(carla)});
+            clickGridRow(g, 0);
+        });
+        const auto chosen = choosePatient(PatientCaller::ResultPrinting);
+        QCOMPARE(selector, std::int16_t(3));
+        QCOMPARE(state().clientPicker, std::int16_t(0));
+        QVERIFY(chosen.has_value());
+        QCOMPARE(chosen->code, carla);
+        QCOMPARE(chosen->name, QString("Carla, Pérez"));
+        QCOMPARE(chosen->insurer, 7);
+        QCOMPARE(chosen->birth, QDate(1985, 2, 1));
+        QCOMPARE(chosen->sex, QString("Femenino"));
+
+        sp.onModal("FBuscarCliente", [&](QWidget* w) { clickGridRow(control<FlexGrid>(w, "Grid1"), 2); });
+        const auto forInvoice = choosePatient(PatientCaller::Invoice);
+        QVERIFY(forInvoice && forInvoice->code == carla && forInvoice->sex.isEmpty());
+
+        // listaclientes: by name, Enter chooses.
+        sp.onModal("listaclientes", [&](QWidget* w) {
+            auto* list = control<QListWidget>(w, "List1");
+            QCOMPARE(list->count(), 3);
+            QCOMPARE(list->item(1)->text(), QString::number(carla) + "\tCarla, Pérez");
+            list->setCurrentRow(1);
+            QTest::keyClick(list, Qt::Key_Return);
+        });
+        const auto listed = choosePatientFromList();
+        QVERIFY(listed && listed->code == carla && listed->name == "Carla, Pérez");
+        sp.onModal("listaclientes", [](QWidget*) {});
+        QCOMPARE(choosePatientFromList().has_value(), false);
+    }
+
+    // Form30 narrows by name or surname anywhere, apostrophes included, and on
+    // Yes filters the report source to the chosen patient.
+    void reportPatientChoice()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        addPatient("Ana", "López");
+        addPatient("Juana", "Castro");
+        const int oneil = addPatient("Óscar", "O'Neil");
+        addPatient("Zoé 🌼", "Castro");
+        QPointer<QWidget> w = openScreen("Form30");
+        auto* g = control<DataGrid>(w, "Grid1");
+        QCOMPARE(g->rows(), 4);
+        retype(control<QLineEdit>(w, "Text1"), "an");
+        QCOMPARE(g->rows(), 2);
+        control<QLineEdit>(w, "Text1")->setText("🌼");   // a letter of two UTF-16 units
+        QCOMPARE(g->rows(), 1);
+        tick(control<QRadioButton>(w, "Option2"));
+        retype(control<QLineEdit>(w, "Text1"), "o'n");
+        QCOMPARE(g->rows(), 1);
+        QCOMPARE(g->value(0, "CODIGO").toInt(), oneil);
+
+        sp.clear();
+        sp.answers.push_back(Answer::No);
+        clickGridRow(g, 0);
+        QCOMPARE(sp.messages(), QStringList{"Quiere mostrar el reporte del cliente Óscar O'Neil ?"});
+        sp.clear();
+        clickGridRow(g, 0);   // Yes
+        QCOMPARE(amb1().rs("rsRepClienteexamen_Grouping").filter(),
+                 "Cod_Paciente =" + QString::number(oneil));
+        QCOMPARE(sp.messages().size(), 2);
+        QVERIFY(sp.messages().at(1).contains("todavía no está disponible"));
+    }
+};
+
+QTEST_MAIN(TestPatients)
+#include "test_patients.moc"
