@@ -35,15 +35,6 @@ int addExam(int type, const QString& name, double price, double other = 0)
         .toInt();
 }
 
-QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
-                  std::optional<Answer> answer = {})
-{
-    sp.clear();
-    if (answer)
-        sp.answers.push_back(*answer);
-    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
-}
-
 void clickGridRow(FlexGrid* g, int row)
 {
     const QRect r = g->visualRect(g->model()->index(row - 1, 1));

@@ -19,15 +19,6 @@ namespace {
 QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
 QVariant value(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b); }
 
-QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
-                  std::optional<Answer> answer = {})
-{
-    sp.clear();
-    if (answer)
-        sp.answers.push_back(*answer);
-    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
-}
-
 void clickRow(DataGrid* g, int row)
 {
     const QRect r = g->visualRect(g->model()->index(row, 1));

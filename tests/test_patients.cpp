@@ -72,15 +72,6 @@ bool clickCode(FlexGrid* g, int code)
     return true;
 }
 
-QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
-                  std::optional<Answer> answer = {})
-{
-    sp.clear();
-    if (answer)
-        sp.answers.push_back(*answer);
-    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
-}
-
 void pick(QComboBox* combo, const QString& entry)
 {
     combo->setFocus();

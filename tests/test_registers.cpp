@@ -52,16 +52,6 @@ QStringList row(const QString& sql, const QVariantList& binds = {})
     return out;
 }
 
-// Clicks a button, answering its question if given, and returns the messages shown.
-QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
-                  std::optional<Answer> answer = {})
-{
-    sp.clear();
-    if (answer)
-        sp.answers.push_back(*answer);
-    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
-}
-
 void clickRow(DataGrid* grid, int row)
 {
     const QRect r = grid->visualRect(grid->model()->index(row, 1));

@@ -218,4 +218,13 @@ QWidget* openScreen(const QString& name)
     return w;
 }
 
+QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
+                  std::optional<Answer> answer)
+{
+    sp.clear();
+    if (answer)
+        sp.answers.push_back(*answer);
+    return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
+}
+
 }  // namespace tq::test

@@ -96,6 +96,10 @@ void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifi
 void click(QAbstractButton* b);
 // Clicks the button named `name` inside root; returns false when missing or disabled.
 bool clickNamed(QObject* root, const QString& name);
+// Clicks the named button, answering its question if given, and returns the
+// messages it showed ("<name disabled>" when the button could not be clicked).
+QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
+                  std::optional<Answer> answer = {});
 // Creates a screen through the registry, shows it and waits until exposed.
 QWidget* openScreen(const QString& name);
 
