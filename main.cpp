@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <thread>
 
 namespace {
 
@@ -38,15 +39,20 @@ void naming()
                                                 .arg(TARVENQUIL_VERSION_PATCH));
 }
 
-// Chooses the data folder and opens the store there. Returns the reason
-// when it can't be opened.
-QString openStore(const QStringList& args)
+// Chooses the data folder and makes it. Returns the reason when it can't be made.
+QString chooseDataFolder(const QStringList& args)
 {
     const QString folder = tq::resolveDataFolder(args);
     if (!QDir().mkpath(folder))
         return QStringLiteral("No se pudo crear la carpeta de datos %1.")
             .arg(QDir::toNativeSeparators(folder));
     tq::setDataFolder(folder);
+    return {};
+}
+
+// Opens the store of the data folder. Returns the reason when it can't be opened.
+QString openStore()
+{
     try {
         tq::amb1().openStore(tq::storePath());
     } catch (const tq::DbError& e) {
@@ -58,9 +64,38 @@ QString openStore(const QStringList& args)
         return e.message();
     } catch (const std::exception& e) {
         return QString::fromLocal8Bit(e.what());
+    } catch (...) {
+        return QStringLiteral("No se pudo abrir la base de datos por un error inesperado.");
     }
     return {};
 }
+
+// Opens the store on a second thread while the first window is being built,
+// so that the two costs of a start overlap. The window waits for the store
+// (wait()) before it reads anything from it or is shown.
+class StoreOpening {
+public:
+    explicit StoreOpening(const QStringList& args) : m_problem(chooseDataFolder(args))
+    {
+        if (m_problem.isEmpty())
+            m_thread = std::thread([this] { m_problem = openStore(); });
+    }
+    ~StoreOpening() { wait(); }
+    void wait()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+        if (!m_problem.isEmpty() && !m_told) {
+            m_told = true;
+            tq::setStoreProblem(m_problem);
+        }
+    }
+
+private:
+    QString m_problem;
+    std::thread m_thread;
+    bool m_told = false;
+};
 
 // --demo: fills an empty store with a small laboratory to try the program.
 int fillDemo(int argc, char** argv)
@@ -69,7 +104,9 @@ int fillDemo(int argc, char** argv)
     naming();
     QTextStream out(stdout);
     QTextStream err(stderr);
-    const QString problem = openStore(app.arguments());
+    QString problem = chooseDataFolder(app.arguments());
+    if (problem.isEmpty())
+        problem = openStore();
     if (!problem.isEmpty()) {
         err << "No se puede abrir la base de datos del laboratorio (" << tq::storePath()
             << "): " << problem << Qt::endl;
@@ -103,14 +140,12 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     naming();
 
-    const QString problem = openStore(app.arguments());
-    if (!problem.isEmpty())
-        tq::setStoreProblem(problem);
+    StoreOpening store(app.arguments());
 
     // --tiempo-inicio: milliseconds from start to the sign-on screen on
     // screen (without the splash), then quit.
     if (app.arguments().contains(QStringLiteral("--tiempo-inicio"))) {
-        QWidget* signOn = tq::showSignOn();
+        QWidget* signOn = tq::showSignOn([&store] { store.wait(); });
         auto* poll = new QTimer(&app);
         QObject::connect(poll, &QTimer::timeout, &app, [&sinceStart, signOn, poll] {
             if (!signOn->windowHandle() || !signOn->windowHandle()->isExposed())
@@ -125,6 +160,7 @@ int main(int argc, char** argv)
     }
 
     auto* splash = new frmSplash();
+    store.wait();
     tq::centreWindow(splash);
     splash->show();
     return app.exec();

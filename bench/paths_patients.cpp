@@ -1,15 +1,18 @@
-// The patient register and the patient picker: opening, a search keystroke
-// each way, the picker over every patient, and saving a patient.
+// The patient register and the patient pickers: opening, a search keystroke
+// each way, the screens over every patient, and saving a patient.
 #include "bare.h"
 #include "bench.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/ui/flexgrid.h"
 #include "registers/patients/FBuscarCliente.h"
+#include "registers/patients/Form30.h"
 #include "registers/patients/Form5.h"
+#include "registers/patients/listaclientes.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QRadioButton>
 
 namespace bench {
@@ -129,6 +132,41 @@ void addPatientPaths(Bench& bench, const Context& c)
                                   "WHERE apellido_paciente LIKE ? ESCAPE '\\' LIMIT 50");
                    return s.readAll(QStringLiteral("Mart%"));
                }});
+
+    // The other two screens that list every patient.
+    bench.add({.name = QStringLiteral("patient list opening, every patient (listaclientes)"),
+               .run = [] {
+                   auto* list = new listaclientes;
+                   const qint64 rows =
+                       list->findChild<QListWidget*>(QStringLiteral("List1"))->count();
+                   delete list;
+                   return rows;
+               },
+               .floor = [c] {
+                   return Stmt(c.bare, "SELECT cod_paciente, nombre_paciente, apellido_paciente "
+                                       "FROM Pacientes ORDER BY nombre_paciente")
+                       .readAll();
+               },
+               .target = {.ceilingMs = 300.0, .smallFloorMs = 300.0},
+               .note = QStringLiteral("the whole screen made and filled; held to the all-patient "
+                                      "picker's 300 ms")});
+
+    bench.add({.name = QStringLiteral("patient report chooser opening, every patient (Form30)"),
+               .run = [] {
+                   auto* chooser = new Form30;
+                   const qint64 rows = tq::amb1().rs(QStringLiteral("rsPacientes")).recordCount();
+                   delete chooser;
+                   return rows;
+               },
+               .floor = [c] {
+                   return Stmt(c.bare, "SELECT cod_paciente AS CODIGO, nombre_paciente AS "
+                                       "NOMBRE, apellido_paciente AS APELLIDO FROM Pacientes "
+                                       "ORDER BY nombre_paciente")
+                       .readAll();
+               },
+               .target = {.ceilingMs = 300.0, .smallFloorMs = 300.0},
+               .note = QStringLiteral("the whole screen made and filled; held to the all-patient "
+                                      "picker's 300 ms")});
 
     // The first patient of the list is saved with the values it has, so the
     // store is the same afterwards.

@@ -9,6 +9,7 @@
 #include "foundation/data/schema.h"
 #include "foundation/base/values.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -18,6 +19,7 @@
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThread>
 #include <QVector>
 #include <algorithm>
 #include <cmath>
@@ -866,7 +868,8 @@ void Amb1::openStore(const QString& path)
 
     QString failure;
     QString why;
-    QStringList present;   // the tables the store holds
+    QStringList present;          // the tables the store holds
+    QStringList indexesPresent;   // and its indexes
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
         db.setDatabaseName(info.absoluteFilePath());
@@ -879,14 +882,19 @@ void Amb1::openStore(const QString& path)
         } else {
             // A file that isn't a store opens but can't be read.
             QSqlQuery check(db);
-            if (!check.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
+            if (!check.exec(QStringLiteral("SELECT type, name FROM sqlite_master "
+                                           "WHERE type IN ('table', 'index')"))) {
                 why = check.lastError().text();
                 failure = QStringLiteral("No se pudo abrir la base de datos %1: el archivo no es "
                                          "una base de datos válida.")
                               .arg(where);
             } else {
-                while (check.next())
-                    present << check.value(0).toString();
+                while (check.next()) {
+                    if (check.value(0).toString() == QLatin1String("table"))
+                        present << check.value(1).toString();
+                    else
+                        indexesPresent << check.value(1).toString();
+                }
                 check.finish();
                 // Deletion rules live in the screens; the store enforces no keys.
                 check.exec(QStringLiteral("PRAGMA foreign_keys = OFF"));
@@ -927,11 +935,17 @@ void Amb1::openStore(const QString& path)
             }
         }
         // A store made by an earlier version is brought up to this one.
-        schema::upgrade(p->db);
+        schema::upgrade(p->db, present + indexesPresent);
     } catch (...) {
         closeStore();
         throw;
     }
+    // Opened on another thread (at start-up, while the first window is
+    // built): the connection is handed to the program's own thread, which
+    // uses it from now on.
+    const QCoreApplication* app = QCoreApplication::instance();
+    if (app && QThread::currentThread() != app->thread() && p->db.driver())
+        p->db.driver()->moveToThread(app->thread());
 }
 
 void Amb1::closeStore()

@@ -276,7 +276,8 @@ const std::vector<Index>& indexes()
         {"Empleados", {"usuario"}},
         {"usuariosmodulos", {"cod_empleado"}},
         {"Pacientes", {"apellido_paciente", "nombre_paciente"}},
-        {"Pacientes", {"nombre_paciente"}},
+        // Both names in each: the lists by name and by surname read the index alone.
+        {"Pacientes", {"nombre_paciente", "apellido_paciente"}},
         {"Pacientes", {"Cod_seguro"}},
         {"RelSeguroPrecios", {"cod_seguro", "Cod_descripcionexamen"}},
         {"RelSeguroPrecios", {"Cod_descripcionexamen"}},
@@ -342,14 +343,25 @@ QString createTableSql(const Table& t, const QSqlDatabase& db)
         .arg(QLatin1String(t.name), cols.join(QStringLiteral(", ")));
 }
 
-QString createIndexSql(const Index& ix)
+QStringList indexColumns(const Index& ix)
 {
     QStringList cols;
     for (const char* c : ix.columns)
         cols << QString::fromLatin1(c);
-    const QString name = ix.name ? QString::fromLatin1(ix.name)
-                                 : QStringLiteral("ix_%1_%2").arg(QLatin1String(ix.table),
-                                                                  cols.join(QLatin1Char('_')));
+    return cols;
+}
+
+QString indexName(const Index& ix)
+{
+    return ix.name ? QString::fromLatin1(ix.name)
+                   : QStringLiteral("ix_%1_%2").arg(QLatin1String(ix.table),
+                                                    indexColumns(ix).join(QLatin1Char('_')));
+}
+
+QString createIndexSql(const Index& ix)
+{
+    const QStringList cols = indexColumns(ix);
+    const QString name = indexName(ix);
     QString sql = QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2 (%3)")
                       .arg(name, QLatin1String(ix.table), cols.join(QStringLiteral(", ")));
     if (ix.where)
@@ -557,8 +569,22 @@ void seedFirstStart(const QSqlDatabase& db)
     });
 }
 
-void upgrade(const QSqlDatabase& db)
+void upgrade(const QSqlDatabase& db, const QStringList& present)
 {
+    // Indexes that came with later versions.
+    QList<const Index*> missing;
+    for (const Index& ix : indexes())
+        if (!present.contains(indexName(ix), Qt::CaseInsensitive))
+            missing << &ix;
+    if (!missing.isEmpty())
+        inTransaction(db, QStringLiteral("No se pudieron crear los índices nuevos de la base de datos."),
+                      [&] {
+                          for (const Index* ix : missing)
+                              run(db, createIndexSql(*ix), {},
+                                  QStringLiteral("No se pudo crear un índice de la tabla %1.")
+                                      .arg(QLatin1String(ix->table)));
+                      });
+
     // Earlier versions kept passwords as typed. A current store answers this
     // with no row, so opening it costs one small query.
     const QString plainPasswords = QStringLiteral(

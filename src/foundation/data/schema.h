@@ -26,9 +26,11 @@ void create(const QSqlDatabase& db);
 // rights 1 to 3. Throws DbError.
 void seedFirstStart(const QSqlDatabase& db);
 
-// Brings a store made by an earlier version up to this one, in one
-// transaction; a store already current is left untouched. Throws DbError.
-void upgrade(const QSqlDatabase& db);
+// Brings a store made by an earlier version up to this one: the indexes it
+// lacks (`present` names the tables and indexes it holds) and its passwords
+// hashed, in one transaction; a store already current is left untouched.
+// Throws DbError.
+void upgrade(const QSqlDatabase& db, const QStringList& present);
 
 // Runs one statement on the connection with the values bound and returns the
 // executed query (for its rows or the key it gave). Throws DbError(failure, ...).

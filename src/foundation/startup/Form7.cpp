@@ -13,7 +13,7 @@
 #include <QPalette>
 #include <QTimer>
 
-Form7::Form7(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::Form7>())
+Form7::Form7(QWidget* parent, bool readLaboratory) : QWidget(parent), ui(std::make_unique<Ui::Form7>())
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form7"));
@@ -24,7 +24,8 @@ Form7::Form7(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::Form7>(
     tq::onClick(ui->Command1, QStringLiteral("ingresar al sistema"), [this] { ingresar(); });
     connect(ui->Command2, &QPushButton::clicked, this, &QWidget::close);
 
-    loadLaboratory();
+    if (readLaboratory)
+        loadLaboratory();
     tq::state().screenNumber = 7;
     ui->Text1->setFocus();
 }

@@ -10,15 +10,19 @@ class Form7;
 class Form7 : public QWidget {
     Q_OBJECT
 public:
-    explicit Form7(QWidget* parent = nullptr);
+    // `readLaboratory` false leaves the laboratory's name to a later
+    // loadLaboratory(), for a screen built while the store is still opening.
+    explicit Form7(QWidget* parent = nullptr, bool readLaboratory = true);
     ~Form7() override;
+
+    // The laboratory's name over the fields, or the reason the store is closed.
+    void loadLaboratory();
 
 protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void loadLaboratory();
     void ingresar();
 
     std::unique_ptr<Ui::Form7> ui;

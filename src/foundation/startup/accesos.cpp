@@ -182,9 +182,13 @@ QString storeClosedMessage()
     return text;
 }
 
-QWidget* showSignOn()
+QWidget* showSignOn(const std::function<void()>& awaitStore)
 {
-    auto* w = new Form7();
+    auto* w = new Form7(nullptr, !awaitStore);
+    if (awaitStore) {
+        awaitStore();
+        w->loadLaboratory();
+    }
     centreWindow(w);
     w->show();
     w->raise();
