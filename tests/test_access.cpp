@@ -35,27 +35,6 @@ int addEmployee(const QString& usuario, const QString& password, int rol)
     return toInt32(amb1().lastInsertId());
 }
 
-// The employee's stored password is a hash that `typed` was made from.
-bool hasPassword(int code, const QString& typed)
-{
-    return verifyPassword(
-        amb1()
-            .scalar(QStringLiteral("SELECT Password FROM Empleados WHERE cod_empleado = ?"), {code})
-            .toString(),
-        typed);
-}
-
-QByteArray bytesOf(const QString& file)
-{
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-int count(const QString& table)
-{
-    return amb1().scalar(QStringLiteral("SELECT COUNT(*) FROM ") + table).toInt();
-}
-
 // The first value `sql` gives on a store file, through a connection of its own.
 QVariant queryFile(const QString& file, const QString& sql)
 {
@@ -317,7 +296,7 @@ private slots:
         QVERIFY(clickNamed(w, "Command1"));
         QTest::qWait(1500);
         QVERIFY(w->isVisible() && sp.messages().isEmpty());
-        QCOMPARE(count("respaldos"), 0);
+        QCOMPARE(rowsIn("respaldos"), 0);
         w->close();
 
         // The proposed name, taken as it is: the store's suffix is added.
@@ -327,7 +306,7 @@ private slots:
         QCOMPARE(sp.messages(), QStringList{kBackedUp});
         QCOMPARE(amb1().scalar("SELECT usuario FROM respaldos").toString(), QString("maria"));
         // The copy holds the rows of its moment; the same name again replaces it.
-        const int atCopy = count("Empleados");
+        const int atCopy = rowsIn("Empleados");
         addEmployee("despues", "x", 2);
         QCOMPARE(employeesInCopy(proposed + ".db"), atCopy);
         QVERIFY(runBackup(sp, proposed));
@@ -341,7 +320,7 @@ private slots:
         QVERIFY(clickNamed(w, "Command1"));
         w->close();
         QCOMPARE(sp.messages(), QStringList{kBackedUp});
-        QCOMPARE(count("respaldos"), 3);
+        QCOMPARE(rowsIn("respaldos"), 3);
 
         // A copy that can't be made: the success text as always, then the truth.
         sp.clear();
@@ -349,12 +328,11 @@ private slots:
         const QStringList said = sp.messages();
         QCOMPARE(said.size(), 2);
         QVERIFY(said.at(1).startsWith("ATENCION: la copia de respaldo NO se pudo crear en "));
-        QFile log(QDir(store.folder()).filePath("tarvenquil.log"));
-        QVERIFY(log.open(QIODevice::ReadOnly) && log.readAll().contains("no_existe"));
+        QVERIFY(bytesOf(QDir(store.folder()).filePath("tarvenquil.log")).contains("no_existe"));
 
         // The store is never copied onto itself.
         QVERIFY(!backupStore(store.dbPath()).ok);
-        QCOMPARE(count("Empleados"), atCopy + 1);
+        QCOMPARE(rowsIn("Empleados"), atCopy + 1);
     }
 };
 
