@@ -14,7 +14,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QLineEdit>
 #include <QPagedPaintDevice>
 #include <QPainter>
@@ -314,7 +313,7 @@ void TestHelpers::registerFailuresReadNaturally()
 }
 
 // The system's reasons for refusing a file are English; the user reads them
-// in Spanish, the log keeps them.
+// in Spanish, the log keeps them (the logo's case is in the settings' tests).
 void TestHelpers::fileProblemsInTheUsersWords()
 {
     QCOMPARE(systemProblem(ENOSPC), QStringLiteral("el disco está lleno"));
@@ -326,30 +325,6 @@ void TestHelpers::fileProblemsInTheUsersWords()
     QVERIFY(!r.ok);
     QVERIFY2(r.error.startsWith(QStringLiteral("no se puede escribir en la carpeta (")), qPrintable(r.error));
     QVERIFY(!r.detail.isEmpty() && !r.error.contains(r.detail));
-
-    // A logo that cannot be written there: the laboratory's data are saved all the same.
-    test::ScriptedPrompts sp;
-    QWidget* datos = test::openScreen(QStringLiteral("FDatos"));
-    QVERIFY(datos);
-    QImage picture(4, 4, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    const QString png = QDir(store.folder()).filePath(QStringLiteral("logo nuevo.png"));
-    QVERIFY(picture.save(png));
-    const QString missing = QDir(store.folder()).filePath(QStringLiteral("no está.png"));
-    sp.files = {missing, png};
-    QVERIFY(test::clickNamed(datos, QStringLiteral("boton2")));
-    QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
-    QCOMPARE(sp.lastMessage(), QStringLiteral("No se pudo buscar el logo.\n\nEl archivo \"%1\" no existe.")
-                                   .arg(missing));
-    QVERIFY(test::clickNamed(datos, QStringLiteral("Command1")));
-    setDataFolder(QStringLiteral("/proc"));
-    QVERIFY(test::clickNamed(datos, QStringLiteral("boton")));
-    setDataFolder(store.folder());
-    const QString prefix = QStringLiteral("Los datos del laboratorio se guardaron, pero no se pudo "
-                                          "copiar el logo: no se pudo escribir \"/proc/logo.jpg\": ");
-    QVERIFY2(sp.lastMessage().startsWith(prefix), qPrintable(sp.lastMessage()));
-    QCOMPARE(sp.lastMessage().mid(prefix.size()), systemProblem(ENOENT) + QLatin1Char('.'));
-    delete datos;
 }
 
 void TestHelpers::dataFolderChoice()
