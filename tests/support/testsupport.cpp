@@ -236,6 +236,21 @@ int count(const QString& sql, const QVariantList& binds) { return value(sql, bin
 
 int rowsIn(const QString& table) { return count(QStringLiteral("SELECT COUNT(*) FROM ") + table); }
 
+int addEmployee(const QString& usuario, const QString& password, int rol, const QList<int>& modules)
+{
+    const int code = amb1()
+                         .insert(QStringLiteral("Empleados"),
+                                 {QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
+                                  QStringLiteral("rol"), QStringLiteral("usuario"), QStringLiteral("Password")},
+                                 {QStringLiteral("Ana María"), QStringLiteral("Zelaya"), rol, usuario,
+                                  hashPassword(password)})
+                         .toInt();
+    for (int m : modules)
+        amb1().execute(QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) VALUES (?, ?)"),
+                       {code, m});
+    return code;
+}
+
 bool hasPassword(int code, const QString& typed)
 {
     return verifyPassword(

@@ -115,6 +115,10 @@ inline QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEd
 QVariant value(const QString& sql, const QVariantList& binds = {});
 int count(const QString& sql, const QVariantList& binds = {});
 int rowsIn(const QString& table);
+// Adds an employee who signs on with `usuario` and `password` (stored hashed),
+// with the given module rights; returns the code.
+int addEmployee(const QString& usuario, const QString& password, int rol,
+                const QList<int>& modules = {});
 // The employee's stored password is a hash that `typed` was made from.
 bool hasPassword(int code, const QString& typed);
 QByteArray bytesOf(const QString& file);
