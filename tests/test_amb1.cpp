@@ -76,7 +76,7 @@ std::optional<E> errorOf(Fn&& fn)
 template <typename Fn>
 QString appErrorOf(Fn&& fn)
 {
-    const std::optional<AppError> e = errorOf<AppError>(fn);
+    const auto e = errorOf<AppError>(fn);
     return e ? e->message() : QString();
 }
 
