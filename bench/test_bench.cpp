@@ -33,8 +33,6 @@ private slots:
     void theFillIsACoherentLaboratory()
     {
         const Sizes s = Sizes::small();
-        QCOMPARE(count("SELECT count(*) FROM Pacientes"), s.patients);
-        QCOMPARE(count("SELECT count(*) FROM FacturaDetalle"), s.lines);
         // Each of these is a way the program would never leave its rows.
         const QStringList never = {
             // billed on a closed day, or before the patient was born

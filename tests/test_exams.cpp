@@ -18,9 +18,7 @@ using namespace tq::test;
 
 namespace {
 
-QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
 FlexGrid* grid(QWidget* w) { return control<FlexGrid>(w, "Grid1"); }
-QVariant value(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b); }
 
 int addType(const QString& name)
 {
@@ -33,28 +31,6 @@ int addExam(int type, const QString& name, double price, double other = 0)
         .insert("Examenes", {"cod_tipo_examen", "examen", "precio", "precioo", "tiempo_entrega"},
                 {type, name, price, other, "1 dia"})
         .toInt();
-}
-
-void clickGridRow(FlexGrid* g, int row)
-{
-    const QRect r = g->visualRect(g->model()->index(row - 1, 1));
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
-}
-
-// The grid row (1..) whose column holds `text`, or -1.
-int findRow(FlexGrid* g, int col, const QString& text)
-{
-    for (int r = 1; r < g->rows(); ++r)
-        if (g->textMatrix(r, col) == text)
-            return r;
-    return -1;
-}
-
-void pickEntry(QComboBox* combo, int index)
-{
-    combo->setFocus();
-    for (int guard = 0; combo->currentIndex() != index && guard < 50; ++guard)
-        QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
 }
 
 // The rows a picker shows: "code|name|price".
@@ -94,7 +70,6 @@ private slots:
         QCOMPARE(g->rows(), 101);
         QCOMPARE(g->textMatrix(1, 2), QString("Examen 000"));
         QCOMPARE(g->textMatrix(100, 2), QString("Examen 099"));
-        QCOMPARE(g->colWidth(6), 0);
         QCOMPARE(edit(w, "Text2")->text(), QString("Examen 000"));
         QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(),
                  QString("%1_Hematologia").arg(type));
@@ -149,14 +124,9 @@ private slots:
                                {"Glucosa D'Arcy"})
                              .toInt();
         QVERIFY(code > 0);
-        QCOMPARE(value("SELECT llenaresultado FROM Examenes WHERE cod_descripcionexamen = ?", {code})
-                     .toInt(),
-                 0);
-        QCOMPARE(value("SELECT precio FROM Examenes WHERE cod_descripcionexamen = ?", {code}).toDouble(),
-                 45.5);
-        QCOMPARE(value("SELECT precioo FROM Examenes WHERE cod_descripcionexamen = ?", {code}).toDouble(),
-                 0.0);
-        QCOMPARE(value("SELECT cod_tipo_examen FROM Examenes").toInt(), type);
+        const QString stored = "SELECT llenaresultado || '/' || precio || '/' || precioo || '/' || "
+                               "cod_tipo_examen FROM Examenes WHERE cod_descripcionexamen = ?";
+        QCOMPARE(value(stored, {code}).toString(), QString("0/45.5/0/%1").arg(type));
 
         // The grid shows "No" for it; a modify with "Si" sets it.
         clickGridRow(grid(w), 1);
@@ -164,9 +134,7 @@ private slots:
         QVERIFY(clickNamed(w, "modificar"));
         pickEntry(fills, 0);
         QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
-        QCOMPARE(value("SELECT llenaresultado FROM Examenes WHERE cod_descripcionexamen = ?", {code})
-                     .toInt(),
-                 1);
+        QVERIFY(value(stored, {code}).toString().startsWith("1/45.5/"));
         QCOMPARE(grid(w)->textMatrix(1, 6), QString("Si"));
     }
 
@@ -213,7 +181,6 @@ private slots:
         QPointer<QWidget> w = openScreen("Form6");
         QString seen;
         sp.onModal("Form3", [&](QWidget* f3) {
-            QCOMPARE(f3->windowTitle(), QString("Pantalla Edicion de Tipos Examen"));
             QVERIFY(clickNamed(f3, "Command2"));
             seen = sp.lastMessage();
             typeKeys(edit(f3, "Text1"), "Química O'Neil");
@@ -221,8 +188,7 @@ private slots:
             QCOMPARE(edit(f3, "Text1")->text(), QString());
             auto* dg = control<DataGrid>(f3, "DataGrid1");
             QCOMPARE(dg->rows(), 2);
-            const QRect r = dg->visualRect(dg->model()->index(0, 1));
-            QTest::mouseClick(dg->viewport(), Qt::LeftButton, {}, r.center());
+            clickRow(dg, 0);
             QCOMPARE(edit(f3, "Text1")->text(), QString("Heces"));
             retype(edit(f3, "Text1"), "Heces y Orina");
             QVERIFY(clickNamed(f3, "Command2"));
@@ -274,7 +240,6 @@ private slots:
             list = shown(grid(p));
             QTest::mouseClick(control<QRadioButton>(p, "Option2"), Qt::LeftButton);
             typeKeys(edit(p, "Text1"), "Bilirrubina O'");
-            QCOMPARE(grid(p)->textMatrix(0, 0), QString("CODIGO"));
             QCOMPARE(grid(p)->rows(), 2);
             clickGridRow(grid(p), 1);
         });

@@ -16,35 +16,8 @@ using namespace tq::test;
 
 namespace {
 
-QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
-QVariant value(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b); }
-
-void clickRow(DataGrid* g, int row)
-{
-    const QRect r = g->visualRect(g->model()->index(row, 1));
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
-}
-
-void clickGridRow(FlexGrid* g, int row)
-{
-    const QRect r = g->visualRect(g->model()->index(row - 1, 1));
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
-}
-
-int findRow(FlexGrid* g, const QString& code)
-{
-    for (int r = 1; r < g->rows(); ++r)
-        if (g->textMatrix(r, 0) == code)
-            return r;
-    return -1;
-}
-
-void pickEntry(QComboBox* combo, int index)
-{
-    combo->setFocus();
-    for (int guard = 0; combo->currentIndex() != index && guard < 50; ++guard)
-        QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
-}
+// The flex grid row (from 1) of an exam code.
+int findRow(FlexGrid* g, const QString& code) { return tq::test::findRow(g, 0, code); }
 
 // Clears a price cell of Grid2 with Backspace and types `keys` into it.
 void typePrice(FlexGrid* g, int row, const QString& keys)

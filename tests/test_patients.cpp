@@ -40,50 +40,18 @@ int addPatient(const QString& name, const QString& surname, int insurer = 0,
         .toInt();
 }
 
-int count(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b).toInt(); }
-
 QString patientField(int code, const QString& column)
 {
     return amb1().scalar("SELECT " + column + " FROM Pacientes WHERE cod_paciente = ?", {code}).toString();
 }
 
-// The texts of a flex grid column, data rows only.
-QStringList column(FlexGrid* g, int col)
-{
-    QStringList out;
-    for (int r = 1; r < g->rows(); ++r)
-        out << g->textMatrix(r, col);
-    return out;
-}
-
-void clickGridRow(QTableView* grid, int modelRow)
-{
-    const QRect r = grid->visualRect(grid->model()->index(modelRow, 1));
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, r.center());
-}
-
 // Clicks the flex grid row that holds `code` in its first column.
 bool clickCode(FlexGrid* g, int code)
 {
-    const int at = column(g, 0).indexOf(QString::number(code));
-    if (at < 0)
-        return false;
-    clickGridRow(g, at);
-    return true;
-}
-
-void pick(QComboBox* combo, const QString& entry)
-{
-    combo->setFocus();
-    const int at = combo->findText(entry);
-    for (int guard = 0; combo->currentIndex() != at && guard < 20; ++guard)
-        QTest::keyClick(combo, combo->currentIndex() < at ? Qt::Key_Down : Qt::Key_Up);
-}
-
-// Clicks an option on its round mark, as a user does.
-void tick(QRadioButton* option)
-{
-    QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(6, option->height() / 2));
+    const int at = findRow(g, 0, QString::number(code));
+    if (at > 0)
+        clickGridRow(g, at);
+    return at > 0;
 }
 
 const QString kNotes = "No puede cambiar el seguro del paciente ya que tiene cuentas por cobrar "
@@ -122,11 +90,8 @@ private slots:
         QVERIFY(sp.messages().isEmpty());
         QCOMPARE(state().screenNumber, std::int16_t(5));
         auto* g = control<FlexGrid>(w, "Grid1");
-        QCOMPARE(g->cols(), 13);
-        QCOMPARE(g->textMatrix(0, 10), QString("COD SEGURO"));
         for (int c = 10; c < 13; ++c)
-            QVERIFY(g->colWidth(c) == 0 && g->isColumnHidden(c));
-        QCOMPARE(g->colWidth(7), 3500);
+            QVERIFY(g->isColumnHidden(c));
         // Carla's insurer row is gone: she is not listed.
         QCOMPARE(column(g, 0).contains(QString::number(carla)), false);
         QCOMPARE(column(g, 1), (QStringList{"Ana", "Andrea", "Juan", "Luis"}));
@@ -206,10 +171,10 @@ private slots:
         combo1->setCurrentIndex(-1);
         combo1->clearEditText();
         QVERIFY(refused("Debe ingresar el seguro", "Combo1"));
-        pick(combo1, "0 Sin Seguro");
+        pickEntry(combo1, "0 Sin Seguro");
         QVERIFY(refused("el codigo del seguro no puede ser 0 Sin Seguro", "Combo1"));
-        pick(combo1, "3 Seguros Atlántida");
-        pick(control<QComboBox>(w, "Combo2"), "Femenino");
+        pickEntry(combo1, "3 Seguros Atlántida");
+        pickEntry(control<QComboBox>(w, "Combo2"), "Femenino");
         // 35 month boundaries: 2 years and 10 months, the month lost to truncation.
         const QDate birth = QDate::currentDate().addMonths(-35);
         control<QDateEdit>(w, "DT")->setDate(birth);
@@ -218,10 +183,8 @@ private slots:
         const int bertha = count("SELECT cod_paciente FROM Pacientes WHERE apellido_paciente = ?",
                                  {"D'Antoni"});
         QVERIFY(bertha > ana);
-        QCOMPARE(patientField(bertha, "Cod_seguro"), QString("3"));
-        QCOMPARE(patientField(bertha, "asegurado"), QString("1"));
-        QCOMPARE(patientField(bertha, "sexo"), QString("Femenino"));
-        QCOMPARE(patientField(bertha, "fecha_nacimiento"), birth.toString(Qt::ISODate));
+        const QString written = "Cod_seguro || '/' || asegurado || '/' || sexo || '/' || fecha_nacimiento";
+        QCOMPARE(patientField(bertha, written), "3/1/Femenino/" + birth.toString(Qt::ISODate));
         QCOMPARE(control<QLineEdit>(w, "Text3")->text(), QString("D'Antoni"));
 
         // Back to "Sin seguro" with Combo1 still on insurer 3: no insurer stored.
@@ -229,8 +192,7 @@ private slots:
         tick(control<QRadioButton>(w, "Option1"));
         QCOMPARE(combo1->currentText(), QString("3 Seguros Atlántida"));
         QCOMPARE(press(w, "guardar", sp), QStringList{"El paciente se modifico exitosamente"});
-        QCOMPARE(patientField(bertha, "Cod_seguro"), QString("0"));
-        QCOMPARE(patientField(bertha, "asegurado"), QString("0"));
+        QVERIFY(patientField(bertha, written).startsWith("0/0/"));
     }
 
     // A receivable, even one the insurer has paid, keeps the insurer: neither
@@ -245,13 +207,13 @@ private slots:
         amb1().execute("INSERT INTO cxc (factura, Cod_paciente, estado) VALUES (1, ?, TRUE)", {ana});
         QPointer<QWidget> w = openScreen("Form5");
         QVERIFY(clickNamed(w, "modificar"));
-        pick(control<QComboBox>(w, "Combo1"), "4 Pan American");
+        pickEntry(control<QComboBox>(w, "Combo1"), "4 Pan American");
         QCOMPARE(press(w, "guardar", sp), QStringList{kNotes});
         tick(control<QRadioButton>(w, "Option1"));
         QCOMPARE(press(w, "guardar", sp), QStringList{kNotes});
         QCOMPARE(patientField(ana, "Cod_seguro"), QString("3"));
         tick(control<QRadioButton>(w, "Option2"));
-        pick(control<QComboBox>(w, "Combo1"), "3 Seguros Atlántida");
+        pickEntry(control<QComboBox>(w, "Combo1"), "3 Seguros Atlántida");
         retype(control<QLineEdit>(w, "Text5"), "2233-4455");
         QCOMPARE(press(w, "guardar", sp), QStringList{"El paciente se modifico exitosamente"});
         QCOMPARE(patientField(ana, "tel_paciente"), QString("2233-4455"));
@@ -303,17 +265,15 @@ private slots:
         sp.onModal("FBuscarCliente", [&](QWidget* w) {
             selector = state().clientPicker;
             auto* g = control<FlexGrid>(w, "Grid1");
-            QCOMPARE(g->textMatrix(0, 0), QString("CÓDIGO"));
             QCOMPARE(column(g, 2), (QStringList{"López", "O'Neil", "Pérez"}));
             retype(control<QLineEdit>(w, "Text1"), "o'n");
-            QCOMPARE(g->cols(), 4);
             QCOMPARE(column(g, 1), QStringList{"Óscar"});
             retype(control<QLineEdit>(w, "Text1"), "érez");   // surname: only its start
             QCOMPARE(g->rows(), 1);
             tick(control<QRadioButton>(w, "Option1"));
             retype(control<QLineEdit>(w, "Text1"), "car");
             QCOMPARE(column(g, 0), QStringList{QString::number(carla)});
-            clickGridRow(g, 0);
+            clickRow(g, 0);
         });
         const auto chosen = choosePatient(PatientCaller::ResultPrinting);
         QCOMPARE(selector, std::int16_t(3));
@@ -325,7 +285,7 @@ private slots:
         QCOMPARE(chosen->birth, QDate(1985, 2, 1));
         QCOMPARE(chosen->sex, QString("Femenino"));
 
-        sp.onModal("FBuscarCliente", [&](QWidget* w) { clickGridRow(control<FlexGrid>(w, "Grid1"), 2); });
+        sp.onModal("FBuscarCliente", [&](QWidget* w) { clickRow(control<FlexGrid>(w, "Grid1"), 2); });
         const auto forInvoice = choosePatient(PatientCaller::Invoice);
         QVERIFY(forInvoice && forInvoice->code == carla && forInvoice->sex.isEmpty());
 
@@ -367,10 +327,10 @@ private slots:
 
         sp.clear();
         sp.answers.push_back(Answer::No);
-        clickGridRow(g, 0);
+        clickRow(g, 0);
         QCOMPARE(sp.messages(), QStringList{"Quiere mostrar el reporte del cliente Óscar O'Neil ?"});
         sp.clear();
-        clickGridRow(g, 0);   // Yes
+        clickRow(g, 0);   // Yes
         QCOMPARE(amb1().rs("rsRepClienteexamen_Grouping").filter(),
                  "Cod_Paciente =" + QString::number(oneil));
         QCOMPARE(sp.messages().size(), 2);

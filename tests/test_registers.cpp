@@ -25,18 +25,6 @@ const QString kDeleted = "El registro ha sido eliminado satisfactoriamente";
 const QString kBadDate = "fecha de ingreso no es válida";
 
 QWidget* widget(QWidget* w, const QString& name) { return control<QWidget>(w, name); }
-QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
-
-int count(const QString& sql, const QVariantList& b = {}) { return amb1().scalar(sql, b).toInt(); }
-
-// The employee's stored password is a hash that `typed` was made from.
-bool hasPassword(int code, const QString& typed)
-{
-    return verifyPassword(
-        amb1().scalar("SELECT Password FROM Empleados WHERE cod_empleado = ?", {code}).toString(),
-        typed);
-}
-int rowsIn(const QString& table) { return count("SELECT COUNT(*) FROM " + table); }
 
 // The first row of a query as the grid would show it, null as "NULL".
 QStringList row(const QString& sql, const QVariantList& binds = {})
@@ -50,20 +38,6 @@ QStringList row(const QString& sql, const QVariantList& binds = {})
     for (const QString& f : rs.fieldNames())
         out << (rs.field(f).isNull() ? QString("NULL") : RecordsetModel::displayText(rs.field(f)));
     return out;
-}
-
-void clickRow(DataGrid* grid, int row)
-{
-    const QRect r = grid->visualRect(grid->model()->index(row, 1));
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, r.center());
-}
-
-// Picks an entry of a list-only combo with the arrow keys, as a user would.
-void pickEntry(QComboBox* combo, int index)
-{
-    combo->setFocus();
-    for (int guard = 0; combo->currentIndex() != index && guard < 5; ++guard)
-        QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
 }
 
 // Chooses the row of `code` in the list, after the row of `other` so that the

@@ -6,6 +6,7 @@
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/settings/cardpercentage.h"
+#include "foundation/ui/errors.h"
 
 #include <QFile>
 #include <QImage>
@@ -14,6 +15,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QRadioButton>
+#include <cerrno>
 
 using namespace tq;
 using namespace tq::test;
@@ -24,10 +26,6 @@ namespace {
 const QStringList kColumns = {"nombre_lab",   "eslogan_lab", "rtn_lab",   "direccion_lab",
                               "telefono_lab", "fax_lab",     "correo_lab"};
 
-QVariant value(const QString& sql) { return amb1().scalar(sql); }
-int rows(const QString& table) { return value("select count(*) from " + table).toInt(); }
-
-QLineEdit* edit(QWidget* s, const QString& n) { return control<QLineEdit>(s, n); }
 QRadioButton* option(QWidget* s, int n)
 {
     return control<QRadioButton>(s, QString("Option%1").arg(n));
@@ -57,12 +55,6 @@ QString writeImage(const QString& path, QColor colour, QSize size, const char* f
     img.fill(colour);
     img.save(path, format);
     return path;
-}
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 // On a fresh FDatos: "Command1" with the dialog answering `file` (cancelled when
@@ -117,17 +109,15 @@ private slots:
                 retype(edit(s, QString("Text%1").arg(i + 1)), typed.last());
             }
             const QString options = first ? "1 4 6" : "2 3 5";
-            for (const QString& n : options.split(' ')) {   // clicked on the round indicator
-                QRadioButton* o = option(s, n.toInt());
-                QTest::mouseClick(o, Qt::LeftButton, {}, QPoint(8, o->height() / 2));
-            }
+            for (const QString& n : options.split(' '))   // clicked on the round indicator
+                tick(option(s, n.toInt()));
             QVERIFY(clickNamed(s, "boton"));
             QVERIFY(edit(s, "Text1")->isReadOnly());
             if (first)
                 QVERIFY(clickNamed(s, "boton2") && clickNamed(s, "boton"));
             closeScreen(s);
 
-            QCOMPARE(rows("datos"), 1);
+            QCOMPARE(rowsIn("datos"), 1);
             for (int i = 0; i < kColumns.size(); ++i)
                 QCOMPARE(value("select " + kColumns[i] + " from datos").toString(), typed[i]);
             QCOMPARE(value("select ticketera from datos").toBool(), first);
@@ -171,6 +161,19 @@ private slots:
         QVERIFY(warned.size() == 1 && warned[0].contains("no se pudo copiar el logo"));
         QCOMPARE(value("select nombre_lab from datos").toString(), QString("Laboratorio Central"));
         QCOMPARE(bytesOf(logoPath()), old);
+
+        // A picture that can't be found, and a data folder that takes no file:
+        // told in the user's words, the system's reason in Spanish.
+        const QString missing = pics.filePath("no está.png");
+        QCOMPARE(saveWithLogo(p, missing),
+                 QStringList{QString("No se pudo buscar el logo.\n\nEl archivo \"%1\" no existe.").arg(missing)});
+        const QString other = writeImage(pics.filePath("otro.png"), Qt::green, {8, 8}, "PNG");
+        const QStringList unwritable =
+            saveWithLogo(p, other, [](QWidget*) { setDataFolder(QStringLiteral("/proc")); });
+        setDataFolder(store.folder());
+        QCOMPARE(unwritable, QStringList{"Los datos del laboratorio se guardaron, pero no se pudo copiar "
+                                         "el logo: no se pudo escribir \"/proc/logo.jpg\": "
+                                         + systemProblem(ENOENT) + "."});
     }
 
     void rateScreens()
@@ -208,7 +211,7 @@ private slots:
             retype(edit(s, "Text1"), "0.03");
             QVERIFY(clickNamed(s, "boton"));
             closeScreen(s);
-            QCOMPARE(rows(table), 1);
+            QCOMPARE(rowsIn(table), 1);
             QCOMPARE(value(stored).toDouble(), 0.03);
             s = openScreen(screen);
             QCOMPARE(edit(s, "Text1")->text(), QString("0.03"));
@@ -231,7 +234,7 @@ private slots:
         p.clear();
         p.inputs = {QString("abc"), QString("17")};
         QVERIFY(cambiarPorcentajeTarjeta());
-        QVERIFY(stored() == 17 && rows("tarjeta") == 1);
+        QVERIFY(stored() == 17 && rowsIn("tarjeta") == 1);
         QCOMPARE(state().cardPercentage, std::int16_t(17));
 
         // A cancelled input box, or a number too big for the percentage: no change.

@@ -51,18 +51,6 @@ const QStringList kLimited = {"exa",      "emple",   "cortedia", "corteintervalo
 
 const QString kNoRights = QStringLiteral("No tiene permisos para accesar al modulo indicado");
 
-void addEmployee(const QString& usuario, const QVariant& password, int rol,
-                 const QList<int>& modules = {1, 2, 3})
-{
-    amb1().execute("INSERT INTO Empleados (nombre_empleado, apellido_empleado, rol, usuario, "
-                   "Password) VALUES ('Nombre', 'Apellido', ?, ?, ?)",
-                   {rol, usuario, hashPassword(password.toString())});
-    const QVariant code = amb1().scalar("SELECT max(cod_empleado) FROM Empleados");
-    for (int m : modules)
-        amb1().execute("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) VALUES (?, ?)",
-                       {code, m});
-}
-
 QList<QWidget*> openWindows(const QString& name)
 {
     QList<QWidget*> out;
@@ -197,7 +185,7 @@ private slots:
         addEmployee("eva", "dos", 1, {1});
         addEmployee("lia", "clave", 1, {1});
         addEmployee("lia", "clave", 2, {1});
-        addEmployee("O'Brien", "d'Arc", 1);
+        addEmployee("O'Brien", "d'Arc", 1, {1, 2, 3});
         addEmployee("sinmod", "x", 1, {2, 3});
         addEmployee("ana", "uno", 1, {1});
         addEmployee("ana", "dos", 1, {2});
@@ -249,7 +237,7 @@ private slots:
     // leave the panel; after "Cerrar Sesion" an administrator has it all.
     void limitedRoleThenAdministrator()
     {
-        addEmployee("lim", "lim", 2);
+        addEmployee("lim", "lim", 2, {1, 2, 3});
         submit(showSignOn(), "lim", "lim");
         MDIForm1* main = MDIForm1::instance();
         QVERIFY(main);

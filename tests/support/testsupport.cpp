@@ -3,12 +3,15 @@
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
+#include "foundation/ui/flexgrid.h"
 #include "foundation/ui/registry.h"
+#include "foundation/base/passwords.h"
 
 #include <QApplication>
 #include <QBuffer>
 #include <QPdfWriter>
 #include <QDir>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
@@ -225,6 +228,74 @@ QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
     if (answer)
         sp.answers.push_back(*answer);
     return clickNamed(w, button) ? sp.messages() : QStringList{"<" + button + " disabled>"};
+}
+
+QVariant value(const QString& sql, const QVariantList& binds) { return amb1().scalar(sql, binds); }
+
+int count(const QString& sql, const QVariantList& binds) { return value(sql, binds).toInt(); }
+
+int rowsIn(const QString& table) { return count(QStringLiteral("SELECT COUNT(*) FROM ") + table); }
+
+int addEmployee(const QString& usuario, const QString& password, int rol, const QList<int>& modules)
+{
+    const int code = amb1()
+                         .insert(QStringLiteral("Empleados"),
+                                 {QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
+                                  QStringLiteral("rol"), QStringLiteral("usuario"), QStringLiteral("Password")},
+                                 {QStringLiteral("Ana María"), QStringLiteral("Zelaya"), rol, usuario,
+                                  hashPassword(password)})
+                         .toInt();
+    for (int m : modules)
+        amb1().execute(QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) VALUES (?, ?)"),
+                       {code, m});
+    return code;
+}
+
+bool hasPassword(int code, const QString& typed)
+{
+    return verifyPassword(
+        value(QStringLiteral("SELECT Password FROM Empleados WHERE cod_empleado = ?"), {code}).toString(),
+        typed);
+}
+
+QByteArray bytesOf(const QString& file)
+{
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+void clickRow(QTableView* grid, int modelRow)
+{
+    const QRect r = grid->visualRect(grid->model()->index(modelRow, 1));
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, r.center());
+}
+
+void clickGridRow(FlexGrid* g, int row) { clickRow(g, row - 1); }
+
+QStringList column(FlexGrid* g, int col)
+{
+    QStringList out;
+    for (int r = 1; r < g->rows(); ++r)
+        out << g->textMatrix(r, col);
+    return out;
+}
+
+int findRow(FlexGrid* g, int col, const QString& text)
+{
+    const int at = column(g, col).indexOf(text);
+    return at < 0 ? -1 : at + 1;
+}
+
+void pickEntry(QComboBox* combo, int index)
+{
+    combo->setFocus();
+    for (int guard = 0; combo->currentIndex() != index && guard < 50; ++guard)
+        QTest::keyClick(combo, combo->currentIndex() < index ? Qt::Key_Down : Qt::Key_Up);
+}
+
+void tick(QAbstractButton* option)
+{
+    QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(6, option->height() / 2));
 }
 
 }  // namespace tq::test

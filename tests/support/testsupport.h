@@ -5,6 +5,8 @@
 #include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QList>
 #include <QString>
 #include <QTemporaryDir>
@@ -14,6 +16,9 @@
 #include <functional>
 #include <memory>
 #include <optional>
+
+class QTableView;
+namespace tq { class FlexGrid; }
 
 namespace tq::test {
 
@@ -102,5 +107,32 @@ QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
                   std::optional<Answer> answer = {});
 // Creates a screen through the registry, shows it and waits until exposed.
 QWidget* openScreen(const QString& name);
+
+// ---- short forms the screen tests share
+
+inline QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
+// The first value of a query on amb1; the same as a whole number.
+QVariant value(const QString& sql, const QVariantList& binds = {});
+int count(const QString& sql, const QVariantList& binds = {});
+int rowsIn(const QString& table);
+// Adds an employee who signs on with `usuario` and `password` (stored hashed),
+// with the given module rights; returns the code.
+int addEmployee(const QString& usuario, const QString& password, int rol,
+                const QList<int>& modules = {});
+// The employee's stored password is a hash that `typed` was made from.
+bool hasPassword(int code, const QString& typed);
+QByteArray bytesOf(const QString& file);
+// Clicks a grid's row (model row, from 0) on its second column, as a user picks a row.
+void clickRow(QTableView* grid, int modelRow);
+// The same on a flex grid, whose data rows count from 1.
+void clickGridRow(FlexGrid* g, int row);
+// The texts of a flex grid column, data rows only; the row (from 1) holding `text`, or -1.
+QStringList column(FlexGrid* g, int col);
+int findRow(FlexGrid* g, int col, const QString& text);
+// Picks an entry of a list-only combo with the arrow keys, as a user would.
+void pickEntry(QComboBox* combo, int index);
+inline void pickEntry(QComboBox* combo, const QString& text) { pickEntry(combo, combo->findText(text)); }
+// Clicks an option or check on its round mark or box.
+void tick(QAbstractButton* option);
 
 }  // namespace tq::test
