@@ -204,6 +204,15 @@ private slots:
                 plan += q.value(3).toString() + '\n';
             QVERIFY2(plan.contains(index), qPrintable(plan));
         }
+
+        // A store made before an index existed gets it the next time it is opened.
+        QVERIFY(exec("DROP INDEX ix_Pacientes_nombre_paciente_apellido_paciente"));
+        QStringList present;
+        for (QSqlQuery q = run("SELECT name FROM sqlite_master"); q.next();)
+            present << q.value(0).toString();
+        tq::schema::upgrade(db(), present);
+        QCOMPARE(count("SELECT COUNT(*) FROM sqlite_master WHERE name = "
+                       "'ix_Pacientes_nombre_paciente_apellido_paciente'"), 1);
     }
 };
 
