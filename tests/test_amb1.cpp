@@ -5,7 +5,6 @@
 #include "foundation/data/amb1.h"
 #include "foundation/ui/errors.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QSqlDatabase>
 #include <QTemporaryDir>
@@ -377,34 +376,6 @@ private slots:
         QCOMPARE(amb1().scalar("SELECT COUNT(*) FROM seguros").toInt(), 1);
         QCOMPARE(amb1().scalar("SELECT COUNT(*) FROM TipoExamen").toInt(), 1);
         amb1().closeStore();
-    }
-
-    void largeResultsStayFast()
-    {
-        test::TempStore store;
-        // 20,000 invoices over 300 days with five lines each, written by the store itself.
-        addPatient("Ana", "Reyes");
-        addExam("Hemograma", 150);
-        amb1().execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
-                       "WHERE i < 20000) INSERT INTO Factura (factura, fecha, cod_paciente, "
-                       "total, Abono, anulada) SELECT i, date('2026-01-01', '+' || (i % 300) "
-                       "|| ' days'), 1, i, 0, i % 7 = 0 FROM n");
-        amb1().execute("WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n "
-                       "WHERE i < 99999) INSERT INTO FacturaDetalle (factura, "
-                       "cod_descripcionexamen, cantidad, subtotal) SELECT i / 5 + 1, 1, 1, i "
-                       "FROM n");
-        QElapsedTimer clock;
-        clock.start();
-        Recordset& fact = amb1().rs("rsrfact1");
-        fact.open();
-        fact.setFilter("factura = 12345 and total > 100");
-        QCOMPARE(fact.child("Command1").recordCount(), 5);
-        Recordset& cut = amb1().rs("rsrcorte_Grouping");
-        cut.open();
-        cut.setFilter("anulada = 0 and fecha = 15/01/2026");
-        const int perDay = cut.child("rcorte").recordCount();
-        QVERIFY(perDay > 50 && perDay < 70);
-        QVERIFY(clock.elapsed() < 20000);
     }
 };
 
