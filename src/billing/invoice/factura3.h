@@ -29,7 +29,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
-private:
+    // The steps of the screen, each as a button or key runs it.
     void load();
     void setUpGrid(bool firstLoad);
     void choosePatient();
@@ -48,7 +48,6 @@ private:
     bool nothingToTotal() const;
     int lastLine() const;
 
-    std::unique_ptr<Ui::factura3> ui;
 
     std::int32_t m_numero = 0;        // the invoice number proposed at load
     std::int32_t m_codPaciente = 0;
@@ -57,4 +56,7 @@ private:
     int m_clickedRow = 0;             // the row "-" removes; 0 after a removal
     int m_saved = 0;                  // 1 once the invoice is saved
     std::int32_t m_orden = 0;         // the order imported into this invoice, 0 for none
+
+private:
+    std::unique_ptr<Ui::factura3> ui;
 };
