@@ -4,8 +4,10 @@
 
 #include "foundation/base/appstate.h"
 #include "foundation/data/amb1.h"
+#include "foundation/startup/MDIForm1.h"
 #include "foundation/ui/flexgrid.h"
 
+#include <QComboBox>
 #include <QLabel>
 #include <QPointer>
 #include <QRadioButton>
@@ -117,7 +119,18 @@ private slots:
         QVERIFY(!on(w, "generar"));
         pressKey(g, Qt::Key_Backspace);
 
-        keyLine(w, "2", lab.urea);
+        // Enter on a quantity opens the exam picker on the insurer's list.
+        QStringList offered;
+        sp.onModal("FBuscarArticulo", [&](QWidget* p) {
+            auto* list = control<FlexGrid>(p, "Grid1");
+            offered = column(list, 1);
+            clickGridRow(list, 1);
+        });
+        typeKeys(g, "2");
+        pressKey(g, Qt::Key_Return);
+        QCOMPARE(offered, QStringList{"Urea"});
+        QCOMPARE(g->col(), 1);
+        pressKey(g, Qt::Key_Return);
         QCOMPARE(row(g, 1), (QStringList{"2", QString::number(lab.urea), "Urea", "75.50", "151.00"}));
         QVERIFY(on(w, "generar") && on(w, "agregar") && on(w, "eliminar") && !on(w, "guardarfact"));
         keyLine(w, "3", lab.urea);
@@ -202,11 +215,21 @@ private slots:
         QCOMPARE(textOf(w, "Text1"), QString("31.68"));
         QCOMPARE(textOf(w, "totfact"), QString("63.68"));
 
-        // With the password switch an administrator signs first.
+        // With the password switch an administrator signs first, then the box opens.
         setSwitches(true, 0.10, true);
-        sp.clear();
+        addEmployee("jefa", "clave", 1);
+        sp.onModal("Form11", [](QWidget* admin) {
+            pickEntry(control<QComboBox>(admin, "Combo1"), "jefa");
+            typeKeys(edit(admin, "Text1"), "clave");
+            clickNamed(admin, "Command1");
+        });
+        sp.onModal("Form10", [](QWidget* box) {
+            typeKeys(edit(box, "Text1"), "50");
+            clickNamed(box, "Command1");
+        });
         clickNamed(w, "Command1");
-        QCOMPARE(sp.prompts.last().text, QString("Form11"));
+        QCOMPARE(control<QLabel>(w, "Label10")->text(), QString("Descuento:"));
+        QCOMPARE(textOf(w, "totfact"), QString("16.00"));
 
         // "+" reopens the document; totals and the extra are gone.
         QVERIFY(clickNamed(w, "agregar"));
@@ -271,6 +294,38 @@ private slots:
         w->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(state().screenNumber, std::int16_t(0));
+    }
+
+    // In the main window: the menu opens it, the patients screen makes it
+    // go, and "Otra Factura" puts a fresh one in its place.
+    void inTheMainWindow()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        fillLab();
+        MDIForm1* main = MDIForm1::showMain();
+        main->openFacturacion(false);
+        QPointer<QWidget> first = main->panelScreen("factura3");
+        QVERIFY(first);
+        QCOMPARE(state().screenNumber, std::int16_t(10));
+
+        control<QWidget>(first, "Otrafact")->setEnabled(true);   // as after a save
+        sp.answers.push_back(Answer::Yes);
+        QVERIFY(clickNamed(first, "Otrafact"));
+        QCOMPARE(sp.prompts.last().title, QString("Ingresar Factura..."));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!first);
+        QWidget* next = main->panelScreen("factura3");
+        QVERIFY(next);
+        QCOMPARE(control<QLabel>(next, "Txt_numfact")->text(), QString("1"));
+        QCOMPARE(state().screenNumber, std::int16_t(10));
+
+        main->openPacientes();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!main->panelScreen("factura3"));
+        QCOMPARE(state().screenNumber, std::int16_t(5));
+        main->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 };
 

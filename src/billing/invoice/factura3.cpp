@@ -377,7 +377,7 @@ void factura3::generar()
     const int years = m_fechaNacimiento.isValid() ? calculoedad(m_fechaNacimiento).years : 0;
     if (thirdAgeAuto && years >= 60) {
         // DTE is a plain factor: 0.10 takes off a tenth.
-        const double factor = Val(money(amb1().scalar(QStringLiteral("SELECT DTE FROM DTE LIMIT 1"))));
+        const double factor = amb1().scalar(QStringLiteral("SELECT DTE FROM DTE LIMIT 1")).toDouble();
         const QString discount = money(factor * subtotal);
         ui->Text1->setText(discount);
         ui->Label10->setText(QStringLiteral("Descuento:"));
