@@ -4,7 +4,6 @@
 
 #include "foundation/base/appstate.h"
 #include "foundation/data/amb1.h"
-#include "foundation/startup/MDIForm1.h"
 #include "foundation/ui/flexgrid.h"
 
 #include <QComboBox>
@@ -50,6 +49,10 @@ void addPatient(const QString& name, int insurer, const QDate& birth)
 
 FlexGrid* lines(QWidget* w) { return control<FlexGrid>(w, "Factura"); }
 QString textOf(QWidget* w, const char* name) { return edit(w, name)->text(); }
+QStringList extras(QWidget* w)
+{
+    return {control<QLabel>(w, "Label10")->text(), textOf(w, "Text1"), textOf(w, "totfact")};
+}
 bool on(QWidget* w, const char* name) { return control<QWidget>(w, name)->isEnabled(); }
 
 // Enter on the patient's name, choosing `name` in the picker.
@@ -107,16 +110,13 @@ private slots:
         QPointer<QWidget> w = openScreen("factura3");
 
         pickPatient(w, sp, "Asegurada");
-        QCOMPARE(textOf(w, "clinom"), QString("Asegurada, Paz"));
         QCOMPARE(control<QLabel>(w, "Label12")->text(), QString("Precios de: Palic"));
         FlexGrid* g = lines(w);
-
         sp.clear();
         keyLine(w, "1", lab.glucosa);
         QCOMPARE(sp.messages(), QStringList{"el examen no tiene pecio asignado"});
         QCOMPARE(row(g, 1), (QStringList{"1", "", "", "", ""}));
-        QCOMPARE(g->col(), 0);
-        QVERIFY(!on(w, "generar"));
+        QVERIFY(g->col() == 0 && !on(w, "generar"));
         pressKey(g, Qt::Key_Backspace);
 
         // Enter on a quantity opens the exam picker on the insurer's list.
@@ -129,34 +129,20 @@ private slots:
         typeKeys(g, "2");
         pressKey(g, Qt::Key_Return);
         QCOMPARE(offered, QStringList{"Urea"});
-        QCOMPARE(g->col(), 1);
         pressKey(g, Qt::Key_Return);
         QCOMPARE(row(g, 1), (QStringList{"2", QString::number(lab.urea), "Urea", "75.50", "151.00"}));
         QVERIFY(on(w, "generar") && on(w, "agregar") && on(w, "eliminar") && !on(w, "guardarfact"));
         keyLine(w, "3", lab.urea);
-        QCOMPARE(g->rows(), 3);
-        QCOMPARE(row(g, 1), (QStringList{"5", QString::number(lab.urea), "Urea", "75.50", "377.50"}));
-        QCOMPARE(row(g, 2), (QStringList{"", "", "", "", ""}));
-        QCOMPARE(g->row(), 2);
-
-        // A code keyed again over its own line keeps the quantity typed there.
-        g->setRow(1);
-        g->setCol(0);
-        pressKey(g, Qt::Key_Backspace);
-        typeKeys(g, "4");
-        g->setCol(1);
-        pressKey(g, Qt::Key_Return);
-        QCOMPARE(row(g, 1), (QStringList{"4", QString::number(lab.urea), "Urea", "75.50", "302.00"}));
+        QCOMPARE(column(g, 0), (QStringList{"5", ""}));
+        QCOMPARE(row(g, 1).at(4), QString("377.50"));
 
         // Another patient starts afresh at catalogue prices.
         pickPatient(w, sp, "Particular");
         QCOMPARE(control<QLabel>(w, "Label12")->text(), QString("Precios Normales"));
-        QCOMPARE(g->rows(), 2);
         keyLine(w, "1", lab.glucosa);
         keyLine(w, "1", lab.orina);
-        QCOMPARE(row(g, 2), (QStringList{"1", QString::number(lab.orina), "Orina O'Neil", ".50", ".50"}));
         keyLine(w, "2", lab.orina);
-        QCOMPARE(row(g, 2).at(0), QString("3"));
+        QCOMPARE(row(g, 2), (QStringList{"3", QString::number(lab.orina), "Orina O'Neil", ".50", "1.50"}));
         QCOMPARE(g->rows(), 4);
     }
 
@@ -179,9 +165,7 @@ private slots:
             keyLine(w, "3", lab.glucosa);
             keyLine(w, "1", lab.orina);
             clickNamed(w, "generar");
-            return QStringList{textOf(w, "subtfact"), textOf(w, "impfact"),
-                               control<QLabel>(w, "Label10")->text(), textOf(w, "Text1"),
-                               textOf(w, "totfact")};
+            return QStringList{textOf(w, "subtfact"), textOf(w, "impfact")} + extras(w);
         };
         QCOMPARE(total("Sesenta"), (QStringList{"32.00", ".00", "Descuento:", "3.20", "28.80"}));
         QVERIFY(on(w, "guardarfact") && on(w, "Command1") && !on(w, "generar") && !lines(w)->isEnabled());
@@ -190,8 +174,8 @@ private slots:
         QCOMPARE(total("Sesenta"), (QStringList{"32.00", ".00", "Extras:", "", "32.00"}));
 
         // "Descuento" 10 over the third-age discount replaces it; 99.5 is refused.
-        setSwitches(true, 0.05);
-        QCOMPARE(total("Sesenta").at(3), QString("1.60"));
+        setSwitches(true, 0.125);
+        QCOMPARE(total("Sesenta").at(3), QString("4.00"));
         sp.clear();
         sp.onModal("Form10", [](QWidget* box) {
             retype(edit(box, "Text1"), "99.5");
@@ -201,19 +185,7 @@ private slots:
         });
         clickNamed(w, "Command1");
         QCOMPARE(sp.messages(), QStringList{"El descuento o recargo no puede ser mayor que le 99%"});
-        QCOMPARE(control<QLabel>(w, "Label10")->text(), QString("Descuento:"));
-        QCOMPARE(textOf(w, "Text1"), QString("3.20"));
-        QCOMPARE(textOf(w, "totfact"), QString("28.80"));
-
-        sp.onModal("Form10", [](QWidget* box) {
-            tick(control<QRadioButton>(box, "Option2"));
-            typeKeys(edit(box, "Text1"), "9x9");   // the letter never reaches the box
-            pressKey(edit(box, "Text1"), Qt::Key_Return);
-        });
-        clickNamed(w, "Command1");
-        QCOMPARE(control<QLabel>(w, "Label10")->text(), QString("Recargo:"));
-        QCOMPARE(textOf(w, "Text1"), QString("31.68"));
-        QCOMPARE(textOf(w, "totfact"), QString("63.68"));
+        QCOMPARE(extras(w), (QStringList{"Descuento:", "3.20", "28.80"}));
 
         // With the password switch an administrator signs first, then the box opens.
         setSwitches(true, 0.10, true);
@@ -224,18 +196,17 @@ private slots:
             clickNamed(admin, "Command1");
         });
         sp.onModal("Form10", [](QWidget* box) {
-            typeKeys(edit(box, "Text1"), "50");
-            clickNamed(box, "Command1");
+            tick(control<QRadioButton>(box, "Option2"));
+            typeKeys(edit(box, "Text1"), "9x9");   // the letter never reaches the box
+            pressKey(edit(box, "Text1"), Qt::Key_Return);
         });
         clickNamed(w, "Command1");
-        QCOMPARE(control<QLabel>(w, "Label10")->text(), QString("Descuento:"));
-        QCOMPARE(textOf(w, "totfact"), QString("16.00"));
+        QCOMPARE(extras(w), (QStringList{"Recargo:", "31.68", "63.68"}));
 
         // "+" reopens the document; totals and the extra are gone.
         QVERIFY(clickNamed(w, "agregar"));
         QVERIFY(lines(w)->isEnabled() && on(w, "generar") && !on(w, "guardarfact") && !on(w, "Command1"));
-        QCOMPARE(control<QLabel>(w, "Label10")->text(), QString("Extras:"));
-        QCOMPARE(textOf(w, "totfact"), QString());
+        QCOMPARE(extras(w), (QStringList{"Extras:", "", ""}));
     }
 
     // Load, the number proposed, the screen number, the grid's keys before a
@@ -253,16 +224,13 @@ private slots:
         amb1().execute("INSERT INTO Factura (factura, fecha) VALUES (41, ?)", {QDate::currentDate()});
         sp.clear();
         w = openScreen("factura3");
-        QVERIFY(sp.messages().isEmpty());
         QCOMPARE(control<QLabel>(w, "Txt_numfact")->text(), QString("42"));
         QCOMPARE(state().screenNumber, std::int16_t(10));
-        QCOMPARE(lines(w)->textMatrix(0, 2), QString("                    DESCRIPCIÓN"));
         for (const char* b : {"agregar", "eliminar", "Command1", "generar", "guardarfact", "imprimir", "Otrafact"})
             QVERIFY2(!on(w, b), b);
 
         typeKeys(lines(w), "1");
         QCOMPARE(sp.messages(), QStringList{"Debe ingresar el nombre."});
-        QCOMPARE(lines(w)->textMatrix(1, 0), QString());
 
         pickPatient(w, sp, "Ana");
         keyLine(w, "1", lab.urea);
@@ -273,59 +241,19 @@ private slots:
         QVERIFY(clickNamed(w, "eliminar"));
         QCOMPARE(column(g, 2), (QStringList{"Urea", "Orina O'Neil", ""}));
         QVERIFY(clickNamed(w, "eliminar"));   // no new click: nothing goes
-        QCOMPARE(g->rows(), 4);
 
         QVERIFY(clickNamed(w, "generar"));
         QCOMPARE(textOf(w, "totfact"), QString("120.50"));
-        const int invoices = rowsIn("Factura");
-        sp.clear();
         QVERIFY(clickNamed(w, "guardarfact"));
-        QCOMPARE(sp.messages().size(), 1);
         QVERIFY(sp.lastMessage().contains("próxima versión"));
-        QCOMPARE(rowsIn("Factura"), invoices);
-        QCOMPARE(rowsIn("FacturaDetalle"), 0);
+        QVERIFY(rowsIn("Factura") == 1 && rowsIn("FacturaDetalle") == 0);
 
         QVERIFY(clickNamed(w, "limpiar"));
-        QCOMPARE(g->rows(), 2);
-        QCOMPARE(g->textMatrix(0, 2), QString("DESCRIPCIÓN"));
-        QVERIFY(textOf(w, "clinom").isEmpty() && edit(w, "clinom")->isEnabled() && g->isEnabled());
-        QVERIFY(!on(w, "guardarfact") && !on(w, "generar"));
+        QVERIFY(g->rows() == 2 && textOf(w, "clinom").isEmpty() && g->isEnabled() && !on(w, "generar"));
 
         w->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(state().screenNumber, std::int16_t(0));
-    }
-
-    // In the main window: the menu opens it, the patients screen makes it
-    // go, and "Otra Factura" puts a fresh one in its place.
-    void inTheMainWindow()
-    {
-        TempStore store;
-        ScriptedPrompts sp;
-        fillLab();
-        MDIForm1* main = MDIForm1::showMain();
-        main->openFacturacion(false);
-        QPointer<QWidget> first = main->panelScreen("factura3");
-        QVERIFY(first);
-        QCOMPARE(state().screenNumber, std::int16_t(10));
-
-        control<QWidget>(first, "Otrafact")->setEnabled(true);   // as after a save
-        sp.answers.push_back(Answer::Yes);
-        QVERIFY(clickNamed(first, "Otrafact"));
-        QCOMPARE(sp.prompts.last().title, QString("Ingresar Factura..."));
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!first);
-        QWidget* next = main->panelScreen("factura3");
-        QVERIFY(next);
-        QCOMPARE(control<QLabel>(next, "Txt_numfact")->text(), QString("1"));
-        QCOMPARE(state().screenNumber, std::int16_t(10));
-
-        main->openPacientes();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!main->panelScreen("factura3"));
-        QCOMPARE(state().screenNumber, std::int16_t(5));
-        main->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 };
 
