@@ -106,5 +106,6 @@ QString narrowedSource(const QString& command, const QString& child, const QStri
 void addFoundationPaths(Bench& bench, const Context& context);
 void addExamPaths(Bench& bench, const Context& context);
 void addPatientPaths(Bench& bench, const Context& context);
+void addBillingPaths(Bench& bench, const Context& context);
 
 }  // namespace bench
