@@ -5,10 +5,10 @@
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/ui/errors.h"
+#include "foundation/ui/widgets.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 
-#include <QKeyEvent>
 #include <map>
 
 TQ_REGISTER_SCREEN(Form10)
@@ -47,44 +47,13 @@ Form10::Form10(QWidget* parent) : QWidget(parent, Qt::Window), ui(std::make_uniq
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form10"));
     setAttribute(Qt::WA_DeleteOnClose);
-    ui->Text1->installEventFilter(this);
+    makeAmountBox(ui->Text1);
+    // Enter in the box applies it.
+    connect(ui->Text1, &QLineEdit::returnPressed, ui->Command1, &QPushButton::click);
     onClick(ui->Command1, QStringLiteral("aplicar el descuento o recargo"), [this] { aplicar(); });
 }
 
 Form10::~Form10() = default;
-
-bool Form10::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched != ui->Text1 || event->type() != QEvent::KeyPress)
-        return QWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    switch (key->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        ui->Command1->click();
-        return true;
-    case Qt::Key_Backspace:
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-    case Qt::Key_Home:
-    case Qt::Key_End:
-    case Qt::Key_Delete:
-        return false;
-    default:
-        break;
-    }
-    if (key->modifiers() & Qt::ControlModifier)
-        return false;   // select all, copy, paste
-    // Digits, the point and "/" pass; any other character is dropped.
-    const QString text = key->text();
-    if (text.size() == 1
-        && (text[0].isDigit() || text[0] == QLatin1Char('.') || text[0] == QLatin1Char('/'))
-        && text[0].unicode() < 128)
-        return false;
-    return true;
-}
 
 void Form10::aplicar()
 {

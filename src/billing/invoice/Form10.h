@@ -37,9 +37,6 @@ public:
     explicit Form10(QWidget* parent = nullptr);
     ~Form10() override;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void aplicar();
 

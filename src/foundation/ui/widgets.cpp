@@ -38,7 +38,36 @@ protected:
     }
 };
 
+class AmountFilter : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return QObject::eventFilter(watched, event);
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->modifiers() & Qt::ControlModifier)
+            return false;
+        const QString text = key->text();
+        if (text.isEmpty() || key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter
+            || key->key() == Qt::Key_Backspace || !text.at(0).isPrint())
+            return false;
+        for (const QChar c : text)
+            if (c.unicode() < 46 || c.unicode() > 57)
+                return true;
+        return false;
+    }
+};
+
 }  // namespace
+
+void makeAmountBox(QLineEdit* box)
+{
+    if (box)
+        box->installEventFilter(new AmountFilter(box));
+}
 
 void makeListOnly(QComboBox* combo)
 {

@@ -25,32 +25,6 @@ constexpr int kNameWidth = 100;      // Examenes.examen
 constexpr int kDeliveryWidth = 50;   // Examenes.tiempo_entrega
 constexpr double kMaxPrice = 9999999999.99;   // NUMERIC(12,2)
 
-// Prices are typed as the laboratory always typed them: digits, the point and
-// the slash (so "12/5" still reads 12), Enter and Backspace; any other
-// character is dropped. Keys without a character (arrows, Delete) pass.
-class PriceKeys : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() != QEvent::KeyPress)
-            return QObject::eventFilter(watched, event);
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter
-            || key->key() == Qt::Key_Backspace)
-            return false;
-        const QString text = key->text();
-        if (text.isEmpty())
-            return false;
-        for (const QChar c : text)
-            if (c.unicode() < 46 || c.unicode() > 57)
-                return true;
-        return false;
-    }
-};
-
 bool storedYes(const QVariant& v)
 {
     const QString t = v.toString().trimmed().toLower();
@@ -66,9 +40,8 @@ Form6::Form6(QWidget* parent) : RegisterScreen(parent), ui(std::make_unique<Ui::
     state().screenNumber = 6;
     makeListOnly(ui->Combo1);
     makeListOnly(ui->Combo2);
-    auto* keys = new PriceKeys(this);
-    ui->Text3->installEventFilter(keys);
-    ui->Text5->installEventFilter(keys);
+    makeAmountBox(ui->Text3);
+    makeAmountBox(ui->Text5);
 
     FlexGrid* g = ui->Grid1;
     g->setCols(Cols);
