@@ -36,6 +36,9 @@ struct AppState {
     std::int16_t plantillaCambio = 0;   // template code 1 to 6
     // An insured patient pays this invoice himself (billing).
     std::int16_t pagoPacienteAsegurado = 0;
+    // The kind of payment chosen in Form13 ("efectivo", "Credito", "Cheque"),
+    // which only colours the invoice's caption; empty when nothing chose one.
+    QString tipoPago;
 };
 
 AppState& state();
