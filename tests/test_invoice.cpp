@@ -2,7 +2,11 @@
 // their controls: the price in force, the lines, the totals and the extras.
 #include "testsupport.h"
 
+#include "store_faults.h"
+
+#include "billing/invoice/payment.h"
 #include "foundation/base/appstate.h"
+#include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/flexgrid.h"
 
@@ -89,6 +93,45 @@ void setSwitches(bool thirdAge, double dte, bool askPassword = false)
 {
     amb1().execute("UPDATE datos SET terceraedadauto = ?, pidecontrasena = ?", {thirdAge, askPassword});
     amb1().execute("UPDATE DTE SET DTE = ?", {dte});
+}
+
+
+// How the store settled invoice `n`: paid or on credit, the three amounts and
+// the abono, then its cxc, creditos and card rows.
+QStringList settlement(int n)
+{
+    Recordset f;
+    f.open("SELECT pagada, credito, efectivo, tarjeta, cheque, Abono FROM Factura WHERE factura = ?", {n});
+    if (f.recordCount() == 0)
+        return {};
+    QStringList out;
+    out << (f.field("pagada").toBool() ? "pagada" : "") << (f.field("credito").toBool() ? "credito" : "");
+    for (const char* c : {"efectivo", "tarjeta", "cheque", "Abono"})
+        out << money(f.field(c));
+    out << QString("cxc %1").arg(count("SELECT COUNT(*) FROM cxc WHERE factura = ? AND Cod_paciente IS NOT NULL", {n}));
+    Recordset c;
+    c.open("SELECT numero, abono FROM creditos WHERE factura = ?", {n});
+    out << (c.recordCount() ? QString("creditos %1 %2").arg(c.field("numero").toInt()).arg(money(c.field("abono")))
+                            : QString("creditos -"));
+    out << QString("tarjeta %1").arg(rowsIn("Datostarjeta"));
+    return out;
+}
+
+// Presses "Guardar"; the payment screen, when it opens, hands `pay` at once.
+void saveWith(QWidget* w, ScriptedPrompts& sp, const Payment& pay, bool credit)
+{
+    sp.onModal("Fcobrar", [w, pay, credit](QWidget*) { dynamic_cast<PaymentTarget*>(w)->savePaid(pay, credit); });
+    QVERIFY(clickNamed(w, "guardarfact"));
+}
+
+Payment paying(double efectivo, double tarjeta, double cheque, double pagado = 0)
+{
+    Payment p;
+    p.efectivo = efectivo;
+    p.tarjeta = tarjeta;
+    p.cheque = cheque;
+    p.pagado = pagado;
+    return p;
 }
 
 }  // namespace
@@ -244,8 +287,8 @@ private slots:
 
         QVERIFY(clickNamed(w, "generar"));
         QCOMPARE(textOf(w, "totfact"), QString("120.50"));
+        // The payment screen left by "Salir" saves nothing.
         QVERIFY(clickNamed(w, "guardarfact"));
-        QVERIFY(sp.lastMessage().contains("próxima versión"));
         QVERIFY(rowsIn("Factura") == 1 && rowsIn("FacturaDetalle") == 0);
 
         QVERIFY(clickNamed(w, "limpiar"));
@@ -254,6 +297,193 @@ private slots:
         w->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(state().screenNumber, std::int16_t(0));
+    }
+
+    // Each form of payment, column by column in the store, with everything
+    // else the save writes: the invoice row, its lines, and one work-table
+    // row per unit.
+    void formsOfPayment()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const Lab lab = fillLab();
+        const QDate birth = QDate::currentDate().addYears(-30).addMonths(-2);
+        addPatient("Particular", 0, birth);
+        addPatient("Asegurada", 7, birth);
+        const int particular = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Particular'").toInt();
+
+        // Bills `who` and saves it as `settle` does; returns the invoice's number.
+        auto bill = [&](const QString& who, const std::function<void(QWidget*)>& settle) {
+            QPointer<QWidget> w = openScreen("factura3");
+            const int n = control<QLabel>(w, "Txt_numfact")->text().toInt();
+            pickPatient(w, sp, who);
+            keyLine(w, "2", lab.urea);
+            if (who == "Particular") {
+                keyLine(w, "1", lab.glucosa);
+                pickEntry(control<QComboBox>(w, "Combo1"), 0);
+            }
+            clickNamed(w, "generar");
+            sp.clear();
+            settle(w);
+            w->close();
+            return n;
+        };
+
+        // Paid in full in cash, then with a card amount (the card box filled).
+        int n = bill("Particular", [&](QWidget* w) { saveWith(w, sp, paying(250.5, 0, 0), false); });
+        QCOMPARE(sp.messages(), (QStringList{"Desea Guardar la factura. ", "La factura se guardo Satisfactoriamente."}));
+        QCOMPARE(settlement(n), (QStringList{"pagada", "", "250.50", ".00", ".00", "250.50", "cxc 0", "creditos -", "tarjeta 0"}));
+        Recordset f;
+        f.open("SELECT fecha, faturado, cod_paciente, sub_total, total, edad_paciente, Cod_doctor, valadicional, "
+               "adicional FROM Factura WHERE factura = ?", {n});
+        QCOMPARE(storedDate(f.field("fecha")), QDate::currentDate());
+        QCOMPARE(f.text("faturado"), state().currentUser);
+        QCOMPARE(f.field("cod_paciente").toInt(), particular);
+        QCOMPARE(money(f.field("sub_total")) + money(f.field("total")), QString("250.50250.50"));
+        QCOMPARE(f.text("edad_paciente"), QString("30 Años 2 meses"));
+        QCOMPARE(f.field("Cod_doctor").toInt(), value("SELECT MIN(Cod_doctor) FROM Doctores").toInt());
+        QVERIFY(f.field("valadicional").toDouble() == 0 && f.field("adicional").isNull());
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE factura = ? AND cod_descripcionexamen = ? "
+                       "AND cantidad = 2 AND subtotal = 240", {n, lab.urea}), 1);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE factura = ?", {n}), 2);
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura = ? AND cod_descripcionexamen = ? "
+                       "AND examen = 'Urea'", {n, lab.urea}), 2);
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura = ?", {n}), 3);
+
+        cardDetails() = {true, 123456, "Rosa O'Neil", "0801-1990-1234_"};
+        n = bill("Particular", [&](QWidget* w) { saveWith(w, sp, paying(50.5, 200, 0), false); });
+        QCOMPARE(settlement(n), (QStringList{"pagada", "", "50.50", "200.00", ".00", "250.50", "cxc 0", "creditos -", "tarjeta 1"}));
+        QCOMPARE(value("SELECT num_autorizacion || '|' || num_tarjeta || '|' || num_identidad FROM Datostarjeta "
+                       "WHERE factura = ?", {n}).toString(),
+                 QString("123456|Rosa O'Neil|0801-1990-1234_"));
+        QVERIFY(!cardDetails().entered);
+
+        // Part paid, the rest in instalments; a cheque leaves only its amount.
+        n = bill("Particular", [&](QWidget* w) { saveWith(w, sp, paying(20, 0, 30, 50), true); });
+        QCOMPARE(settlement(n), (QStringList{"", "credito", "20.00", ".00", "30.00", "50.00", "cxc 0", "creditos 1 50.00", "tarjeta 1"}));
+
+        // The insured patient pays himself: in full, then in instalments.
+        n = bill("Asegurada", [&](QWidget* w) {
+            sp.answers = {Answer::No, Answer::Yes};
+            saveWith(w, sp, paying(151, 0, 0), false);
+        });
+        QCOMPARE(sp.messages().first(), QString("el paciente es ASEGURADO\nDesea cargar la factura a la cuenta del seguro?"));
+        QCOMPARE(settlement(n), (QStringList{"pagada", "", "151.00", ".00", ".00", "151.00", "cxc 0", "creditos -", "tarjeta 1"}));
+        n = bill("Asegurada", [&](QWidget* w) {
+            sp.answers = {Answer::No, Answer::Yes};
+            saveWith(w, sp, paying(0, 0, 0, 0), true);
+        });
+        QCOMPARE(settlement(n), (QStringList{"", "credito", ".00", ".00", ".00", ".00", "cxc 0", "creditos 1 .00", "tarjeta 1"}));
+
+        // Charged to the insurer: no payment screen, no question but the first.
+        cardDetails() = {true, 9, "No", "____-____-_____"};
+        n = bill("Asegurada", [&](QWidget* w) {
+            sp.answers = {Answer::Yes};
+            QVERIFY(clickNamed(w, "guardarfact"));
+            QVERIFY(!on(w, "guardarfact") && on(w, "imprimir") && on(w, "Otrafact") && !lines(w)->isEnabled());
+            QCOMPARE(edit(w, "totfact")->palette().color(QPalette::Text), QColor(255, 0, 0));
+        });
+        QCOMPARE(sp.messages(), (QStringList{"el paciente es ASEGURADO\nDesea cargar la factura a la cuenta del seguro?",
+                                             "La factura se guardo Satisfactoriamente."}));
+        QCOMPARE(settlement(n), (QStringList{"", "credito", ".00", ".00", ".00", ".00", "cxc 1", "creditos 1 .00", "tarjeta 1"}));
+        QCOMPARE(sp.prompts.last().text, QString("semaforo"));
+    }
+
+    // The refusals write nothing: a zero total paid at the desk, a No to the
+    // confirmation, a store that fails half-way. The insurer takes a zero total.
+    void refusalsAndFailures()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const Lab lab = fillLab();
+        addPatient("Particular", 0, QDate(1990, 1, 1));
+        addPatient("Asegurada", 7, QDate(1990, 1, 1));
+        amb1().execute("UPDATE RelSeguroPrecios SET precio = 0");
+        amb1().execute("UPDATE Examenes SET precio = 0 WHERE cod_descripcionexamen = ?", {lab.orina});
+        const QStringList tables = {"Factura", "FacturaDetalle", "cxc", "creditos", "Datostarjeta", "EvaluadoTemporal"};
+        auto written = [&] {
+            int rows = 0;
+            for (const QString& t : tables)
+                rows += rowsIn(t);
+            return rows;
+        };
+
+        QPointer<QWidget> w = openScreen("factura3");
+        pickPatient(w, sp, "Particular");
+        keyLine(w, "1", lab.orina);
+        clickNamed(w, "generar");
+        sp.clear();
+        saveWith(w, sp, paying(0, 0, 0), false);
+        QCOMPARE(sp.messages(), QStringList{"La factura no puede ser Cero (0)"});
+        QCOMPARE(written(), 0);
+
+        // No to the confirmation: "-" and "+/-" stay off, "+" reopens the document.
+        QVERIFY(clickNamed(w, "agregar"));
+        keyLine(w, "1", lab.urea);
+        clickNamed(w, "generar");
+        sp.clear();
+        sp.answers = {Answer::No};
+        saveWith(w, sp, paying(120, 0, 0), false);
+        QCOMPARE(sp.messages(), QStringList{"Desea Guardar la factura. "});
+        QVERIFY(!on(w, "eliminar") && !on(w, "Command1") && on(w, "guardarfact"));
+        QCOMPARE(written(), 0);
+        QVERIFY(clickNamed(w, "agregar"));
+        QVERIFY(lines(w)->isEnabled());
+
+        // The store fails after the invoice and one line: nothing stays, the
+        // document waits on screen, and the next press saves it whole.
+        clickNamed(w, "generar");
+        StoreFaults faults;
+        faults.failAfter(2);
+        sp.clear();
+        saveWith(w, sp, paying(120, 0, 0), false);
+        QCOMPARE(sp.messages().size(), 2);
+        QVERIFY(sp.lastMessage().startsWith("La factura no se guardó y no quedó escrita ninguna parte de ella"));
+        QCOMPARE(written(), 0);
+        QVERIFY(on(w, "guardarfact") && edit(w, "totfact")->text() == "120.00");
+        faults.heal();
+        saveWith(w, sp, paying(120, 0, 0), false);
+        QCOMPARE(sp.lastMessage(), QString("La factura se guardo Satisfactoriamente."));
+        QCOMPARE(rowsIn("FacturaDetalle"), 2);
+        w->close();
+
+        // A zero total charged to the insurer is saved.
+        w = openScreen("factura3");
+        pickPatient(w, sp, "Asegurada");
+        keyLine(w, "1", lab.urea);
+        clickNamed(w, "generar");
+        sp.answers = {Answer::Yes};
+        QVERIFY(clickNamed(w, "guardarfact"));
+        QCOMPARE(settlement(control<QLabel>(w, "Txt_numfact")->text().toInt()).mid(0, 7),
+                 (QStringList{"", "credito", ".00", ".00", ".00", ".00", "cxc 1"}));
+    }
+
+    // Two workstations propose the same number; the second save takes the next.
+    void numberTakenMeanwhile()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const Lab lab = fillLab();
+        addPatient("Asegurada", 7, QDate(1990, 1, 1));
+        QPointer<QWidget> first = openScreen("factura3");
+        QPointer<QWidget> second = openScreen("factura3");
+        for (QWidget* w : {first.data(), second.data()}) {
+            QCOMPARE(control<QLabel>(w, "Txt_numfact")->text(), QString("1"));
+            pickPatient(w, sp, "Asegurada");
+            keyLine(w, "1", lab.urea);
+            clickNamed(w, "generar");
+        }
+        for (QWidget* w : {first.data(), second.data()}) {
+            sp.clear();
+            sp.answers = {Answer::Yes};
+            QVERIFY(clickNamed(w, "guardarfact"));
+        }
+        QCOMPARE(sp.messages().mid(1, 2),
+                 (QStringList{"El numero de factura 1 ya fue usado en otra estacion; la factura se guardo con el numero 2.",
+                              "La factura se guardo Satisfactoriamente."}));
+        QCOMPARE(control<QLabel>(second, "Txt_numfact")->text(), QString("2"));
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura IN (1, 2)"), 2);
+        QCOMPARE(count("SELECT COUNT(DISTINCT factura) FROM FacturaDetalle"), 2);
     }
 };
 

@@ -2,12 +2,15 @@
 
 #include "ui_factura3.h"
 
+#include "billing/invoice/invoicesave.h"
+#include "billing/payment/Fcobrar.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/flexgrid.h"
 #include "foundation/ui/prompt.h"
+#include "foundation/startup/semaforo.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
 #include "registers/insurers/pricelist.h"
@@ -30,6 +33,9 @@ constexpr int kCols = 5;
 const QString kTitle = QStringLiteral("Facturación");
 const QString kWarning = QStringLiteral("Advertencia");
 const QString kExtras = QStringLiteral("Extras:");
+
+// More units of one exam than this on one invoice is a slip of the keyboard.
+constexpr std::int32_t kMaxQuantity = 999;
 
 // Invoice screens open at once; the last to go puts the screen number back.
 int g_open = 0;
@@ -56,6 +62,7 @@ factura3::factura3(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::f
     state().screenNumber = 10;
     state().pagoPacienteAsegurado = 0;
     ui->DT->setDate(QDate::currentDate());
+    showPaymentKind();
     makeListOnly(ui->Combo1);
     ui->clinom->installEventFilter(this);
     ui->clidir->installEventFilter(this);
@@ -70,6 +77,7 @@ factura3::factura3(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::f
     onClick(ui->Command1, QStringLiteral("aplicar un descuento o recargo"), [this] { descuentoRecargo(); });
     onClick(ui->guardarfact, QStringLiteral("guardar la factura"), [this] { guardarfact(); });
     onClick(ui->limpiar, QStringLiteral("limpiar la factura"), [this] { limpiar(); });
+    onClick(ui->imprimir, QStringLiteral("imprimir la factura"), [this] { imprimir(); });
     onClick(ui->Otrafact, QStringLiteral("abrir otra factura"), [this] { otraFactura(); });
     connect(ui->salir, &QPushButton::clicked, this, &QWidget::close);
 
@@ -86,6 +94,27 @@ factura3::~factura3()
         setExtraTarget(1, nullptr);
     if (--g_open == 0 && state().screenNumber == 10)
         state().screenNumber = 0;
+}
+
+void factura3::showPaymentKind()
+{
+    // The kind chosen beforehand only colours the caption; the amounts decide the payment.
+    const QString kind = state().tipoPago;
+    QString text;
+    QColor colour;
+    if (kind == QLatin1String("efectivo")) {
+        text = QStringLiteral("Efectivo");
+        colour = QColor(0, 128, 0);
+    } else if (kind == QLatin1String("Credito")) {
+        text = QStringLiteral("Tarjeta");
+        colour = QColor(255, 0, 0);
+    } else if (kind == QLatin1String("Cheque")) {
+        text = QStringLiteral("Cheque");
+        colour = QColor(0, 0, 255);
+    }
+    ui->Label7->setText(text);
+    if (colour.isValid())
+        ui->Label7->setStyleSheet(QStringLiteral("color: %1; font-weight: bold;").arg(colour.name()));
 }
 
 void factura3::closeEvent(QCloseEvent* event)
@@ -420,10 +449,158 @@ void factura3::descuentoRecargo()
 
 void factura3::guardarfact()
 {
-    // Nothing is written until the invoice can be saved whole, with its payment.
-    prompts().message(QStringLiteral("El guardado de facturas estará disponible en la próxima versión "
-                                     "del sistema. Esta factura no se ha guardado."),
-                      Icon::Information, kTitle);
+    guarded(QStringLiteral("guardar la factura"), [this] { chargeOrCollect(); });
+    // Whatever was decided, an order brought into this invoice is closed.
+    guarded(QStringLiteral("cerrar la orden importada"), [this] { quitarorden(); });
+}
+
+void factura3::chargeOrCollect()
+{
+    Recordset paciente;
+    paciente.open(QStringLiteral("SELECT asegurado FROM Pacientes WHERE cod_paciente = ?"), {m_codPaciente});
+    if (paciente.recordCount() == 0) {
+        prompts().message(QStringLiteral("El paciente de esta factura ya no está registrado. "
+                                         "Elija el paciente de nuevo."),
+                          Icon::Exclamation, kTitle);
+        return;
+    }
+    if (paciente.field(QStringLiteral("asegurado")).toBool()) {
+        const Answer a = prompts().message(
+            QStringLiteral("el paciente es ASEGURADO\nDesea cargar la factura a la cuenta del seguro?"),
+            Icon::Question, QStringLiteral("Verifique"), Buttons::YesNo);
+        if (a == Answer::Yes) {
+            save(Settlement::Insurer, Payment{});
+            return;
+        }
+        // The insured patient pays this one himself.
+        state().pagoPacienteAsegurado = 1;
+    }
+    // The payment screen takes the amounts and saves through savePaid().
+    openModal(QStringLiteral("Fcobrar"), [this](QWidget* w) {
+        if (auto* cobro = qobject_cast<Fcobrar*>(w))
+            cobro->setTarget(this);
+    });
+}
+
+QString factura3::totalText() const { return ui->totfact->text(); }
+
+void factura3::savePaid(const Payment& payment, bool credit)
+{
+    save(credit ? Settlement::Credit : Settlement::Paid, payment);
+}
+
+InvoiceDocument factura3::document() const
+{
+    InvoiceDocument doc;
+    doc.numero = m_numero;
+    doc.fecha = ui->DT->date();
+    doc.faturado = state().currentUser;
+    doc.codPaciente = m_codPaciente;
+    doc.subtotal = money(Val(ui->subtfact->text()));
+    doc.total = money(Val(ui->totfact->text()));
+    if (m_fechaNacimiento.isValid())
+        doc.edad = calculoedad(m_fechaNacimiento).text;
+    const QString doctor = ui->Combo1->currentText();
+    if (!doctor.trimmed().isEmpty())
+        doc.codDoctor = toInt32(doctor);   // the leading digits are the doctor's code
+    if (!ui->Text1->text().trimmed().isEmpty()) {
+        doc.valAdicional = money(Val(ui->Text1->text()));
+        if (ui->Label10->text() == QLatin1String("Descuento:"))
+            doc.adicional = QStringLiteral("Descuento");
+        else if (ui->Label10->text() == QLatin1String("Recargo:"))
+            doc.adicional = QStringLiteral("Recargo");
+    }
+    const FlexGrid* g = ui->Factura;
+    for (int r = 1; r <= lastLine(); ++r) {
+        InvoiceLine line;
+        line.cantidad = toInt32(g->textMatrix(r, Cantidad));
+        line.codigo = toInt32(g->textMatrix(r, Codigo).trimmed().toUpper());
+        line.subtotal = money(Val(g->textMatrix(r, PrecioT)));
+        if (line.cantidad < 1 || line.cantidad > kMaxQuantity)
+            throw AppError(QStringLiteral("La cantidad de %1 debe estar entre 1 y %2.")
+                               .arg(g->textMatrix(r, Descripcion).trimmed())
+                               .arg(kMaxQuantity));
+        doc.lines << line;
+    }
+    return doc;
+}
+
+void factura3::save(Settlement settlement, const Payment& payment)
+{
+    const bool insurer = settlement == Settlement::Insurer;
+    if (!insurer) {
+        if (Val(ui->totfact->text()) == 0) {
+            prompts().message(QStringLiteral("La factura no puede ser Cero (0)"), Icon::None, kTitle);
+            return;
+        }
+        ui->eliminar->setEnabled(false);
+        ui->Command1->setEnabled(false);
+        if (prompts().message(QStringLiteral("Desea Guardar la factura. "), Icon::Question,
+                              QStringLiteral("Confirmar"), Buttons::YesNo)
+            != Answer::Yes)
+            return;
+    }
+    SaveOutcome out;
+    const bool saved = guardedSaying(
+        QStringLiteral("La factura no se guardó y no quedó escrita ninguna parte de ella; "
+                       "puede intentar guardarla de nuevo."),
+        [&] {
+            const InvoiceDocument doc = document();
+            // An insured patient who pays at the desk owes the insurer nothing.
+            const bool asegurado = amb1()
+                                       .scalar(QStringLiteral("SELECT asegurado FROM Pacientes "
+                                                              "WHERE cod_paciente = ?"),
+                                               {m_codPaciente})
+                                       .toBool();
+            const bool withCxc = insurer || (asegurado && state().pagoPacienteAsegurado == 0);
+            out = saveInvoice(doc, settlement, payment, withCxc, insurer ? nullptr : &cardDetails());
+        });
+    if (!saved)
+        return;
+    if (!insurer)
+        cardDetails().entered = false;
+    if (out.renumbered) {
+        prompts().message(QStringLiteral("El numero de factura %1 ya fue usado en otra estacion; "
+                                         "la factura se guardo con el numero %2.")
+                              .arg(m_numero)
+                              .arg(out.numero),
+                          Icon::Information, kTitle);
+        m_numero = out.numero;
+        ui->Txt_numfact->setText(QString::number(m_numero));
+    }
+    prompts().message(QStringLiteral("La factura se guardo Satisfactoriamente."), Icon::Information, kTitle);
+    showSaved();
+    pausa();
+}
+
+void factura3::showSaved()
+{
+    m_saved = 1;
+    ui->guardarfact->setEnabled(false);
+    ui->imprimir->setEnabled(true);
+    ui->Otrafact->setEnabled(true);
+    for (QLineEdit* box : {ui->subtfact, ui->totfact, ui->impfact}) {
+        QPalette pal = box->palette();
+        pal.setColor(QPalette::Text, QColor(255, 0, 0));
+        box->setPalette(pal);
+    }
+    for (QWidget* w : std::initializer_list<QWidget*>{ui->Factura, ui->clinom, ui->clidir, ui->Combo1})
+        w->setEnabled(false);
+}
+
+void factura3::quitarorden()
+{
+    if (m_orden == 0)
+        return;
+    amb1().execute(QStringLiteral("UPDATE orden SET anulada = ?, anulacion = ?, quien_anulo = ? "
+                                  "WHERE orden = ?"),
+                   {true, QDate::currentDate(), state().currentUser, m_orden});
+}
+
+void factura3::imprimir()
+{
+    const std::int32_t n = m_numero;
+    openModal(QStringLiteral("FImpresion"), [n](QWidget* w) { w->setProperty("factura", n); });
 }
 
 void factura3::cancelar()

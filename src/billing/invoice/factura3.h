@@ -3,6 +3,8 @@
 // with their quantities at the price in force for the patient, and the
 // totals. The document lives only in the screen until it is saved.
 #include "billing/invoice/Form10.h"
+#include "billing/invoice/invoicesave.h"
+#include "billing/invoice/payment.h"
 
 #include <QDate>
 #include <QWidget>
@@ -15,7 +17,7 @@ namespace Ui {
 class factura3;
 }
 
-class factura3 : public QWidget, public tq::ExtraTarget {
+class factura3 : public QWidget, public tq::ExtraTarget, public tq::PaymentTarget {
     Q_OBJECT
 public:
     explicit factura3(QWidget* parent = nullptr);
@@ -24,6 +26,9 @@ public:
     // The discount box's view of this invoice.
     QString subtotalText() const override;
     void applyExtra(const QString& caption, const QString& extra, const QString& total) override;
+    // The payment screen's view of this invoice.
+    QString totalText() const override;
+    void savePaid(const tq::Payment& payment, bool credit) override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -31,6 +36,7 @@ protected:
 
     // The steps of the screen, each as a button or key runs it.
     void load();
+    void showPaymentKind();
     void setUpGrid(bool firstLoad);
     void choosePatient();
     void gridKey(int row, int col, QKeyEvent* event);
@@ -42,6 +48,14 @@ protected:
     void generar();
     void descuentoRecargo();
     void guardarfact();
+    void chargeOrCollect();
+    // The document as it stands; refuses a quantity out of bounds. Throws AppError.
+    tq::InvoiceDocument document() const;
+    // guardarfactura, guardarfactura_credito or pagopacienteasegurado.
+    void save(tq::Settlement settlement, const tq::Payment& payment);
+    void showSaved();
+    void quitarorden();
+    void imprimir();
     void cancelar();
     void limpiar();
     void otraFactura();
