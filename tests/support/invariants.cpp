@@ -19,6 +19,14 @@ Invariant keyed(const QString& table, const QString& key)
             QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(table, notWhole(key))};
 }
 
+// A row of an invoice's table whose invoice is not there.
+Invariant orphan(const QString& table)
+{
+    return {QStringLiteral("%1: ninguna fila sin su factura").arg(table),
+            QStringLiteral("SELECT COUNT(*) FROM %1 t WHERE NOT EXISTS (SELECT 1 FROM Factura f "
+                           "WHERE f.factura = t.factura)").arg(table)};
+}
+
 }  // namespace
 
 const QList<Invariant>& storeInvariants()
@@ -42,6 +50,23 @@ const QList<Invariant>& storeInvariants()
         keyed(QStringLiteral("Plantilla"), QStringLiteral("Cod_Plantilla")),
         keyed(QStringLiteral("Insumos"), QStringLiteral("Cod_Item")),
         keyed(QStringLiteral("proveedor"), QStringLiteral("prvcod")),
+
+        // Billing: an invoice is saved whole or not at all.
+        {QStringLiteral("Factura: cada factura con sus líneas"),
+         QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE NOT EXISTS (SELECT 1 FROM FacturaDetalle d "
+                        "WHERE d.factura = f.factura)")},
+        orphan(QStringLiteral("FacturaDetalle")),
+        orphan(QStringLiteral("cxc")),
+        orphan(QStringLiteral("creditos")),
+        orphan(QStringLiteral("Datostarjeta")),
+        orphan(QStringLiteral("EvaluadoTemporal")),
+        // Paid in full, the abono is the total; on credit, until a later
+        // instalment, it is what was paid at the desk.
+        {QStringLiteral("Factura: abono según la forma de pago"),
+         QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE (pagada AND credito) "
+                        "OR (pagada AND ABS(Abono - total) > 0.005) "
+                        "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
+                        "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
     };
     return list;
 }
