@@ -128,6 +128,15 @@ Outcome Bench::measure(const Path& path)
         o.problem = QStringLiteral("the screen said: ") + promptsSeen().first();
     // The next path finds the store as a user would: no transaction left open.
     tq::rollbackOpenTransaction();
+    if (path.after) {
+        try {
+            path.after();
+        } catch (const std::exception& e) {
+            o.problem = QStringLiteral("could not clean up: ") + QString::fromLocal8Bit(e.what());
+        } catch (const tq::AppError& e) {
+            o.problem = QStringLiteral("could not clean up: ") + e.message();
+        }
+    }
     return o;
 }
 

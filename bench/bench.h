@@ -45,6 +45,8 @@ struct Path {
     // run and floor each start a whole process and return the microseconds
     // until its window is on screen; what they saw is not compared.
     bool wholeProcess = false;
+    // Run once after the timing, untimed: a path that writes takes its rows away.
+    std::function<void()> after = {};
 };
 
 // What every path may use.

@@ -5,6 +5,7 @@
 #include "bench.h"
 
 #include "billing/invoice/factura3.h"
+#include "billing/invoice/invoicesave.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/flexgrid.h"
@@ -101,6 +102,96 @@ qint64 priceFloor(sqlite3* db, const char* sql, const std::vector<int>& binds)
     return cents;
 }
 
+// Invoices saved by the bench take numbers far above the store's own, each
+// side its own range, and are taken away after the path.
+constexpr qint64 kOursFrom = 2'000'000'000;
+constexpr qint64 kBareFrom = 2'100'000'000;
+
+void removeSaved(sqlite3* db)
+{
+    for (const char* table : {"Factura", "FacturaDetalle", "cxc", "creditos", "Datostarjeta", "EvaluadoTemporal"}) {
+        Stmt del(db, QStringLiteral("DELETE FROM %1 WHERE factura >= ?").arg(QLatin1String(table)));
+        del.bind(1, kOursFrom);
+        while (del.next()) {
+        }
+    }
+}
+
+// Saving a 5-line invoice charged to the insurer, as the bare store would:
+// the number checked, the invoice, its lines, cxc, the first instalment, and
+// one work-table row per unit (the first line at two units).
+qint64 saveFloor(sqlite3* db, qint64 number, int patient, const std::vector<int>& exams)
+{
+    execBare(db, "BEGIN");
+    qint64 rows = 0;
+    auto step = [&rows](Stmt& s) {
+        while (s.next()) {
+        }
+        ++rows;
+    };
+    Stmt taken(db, "SELECT 1 FROM Factura WHERE factura = ? LIMIT 1");
+    taken.bind(1, number);
+    while (taken.next()) {
+    }
+    const QDate today = QDate::currentDate();
+    Stmt inv(db, "INSERT INTO Factura (factura, fecha, faturado, cod_paciente, sub_total, total, efectivo, "
+                 "tarjeta, cheque, credito, Abono, edad_paciente) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    inv.bind(1, number);
+    inv.bind(2, today);
+    inv.bind(3, "bench");
+    inv.bind(4, patient);
+    inv.bind(5, "500.00");
+    inv.bind(6, "500.00");
+    inv.bind(7, ".00");
+    inv.bind(8, ".00");
+    inv.bind(9, ".00");
+    inv.bind(10, true);
+    inv.bind(11, ".00");
+    inv.bind(12, "40 Años 1 meses");
+    step(inv);
+    Stmt line(db, "INSERT INTO FacturaDetalle (factura, cantidad, cod_descripcionexamen, subtotal) VALUES (?, ?, ?, ?)");
+    for (std::size_t i = 0; i < exams.size(); ++i) {
+        line.bind(1, number);
+        line.bind(2, i == 0 ? 2 : 1);
+        line.bind(3, exams[i]);
+        line.bind(4, "100.00");
+        step(line);
+    }
+    Stmt cxc(db, "INSERT INTO cxc (factura, Cod_paciente) VALUES (?, ?)");
+    cxc.bind(1, number);
+    cxc.bind(2, patient);
+    step(cxc);
+    Stmt cred(db, "INSERT INTO creditos (factura, fecha, abono, numero) VALUES (?, ?, ?, ?)");
+    cred.bind(1, number);
+    cred.bind(2, today);
+    cred.bind(3, ".00");
+    cred.bind(4, 1);
+    step(cred);
+    Stmt fed(db, "SELECT 1 FROM EvaluadoTemporal WHERE factura = ? LIMIT 1");
+    fed.bind(1, number);
+    while (fed.next()) {
+    }
+    Stmt join(db, "SELECT FacturaDetalle.factura, FacturaDetalle.cod_descripcionexamen, Examenes.examen, "
+                  "FacturaDetalle.cantidad FROM Examenes INNER JOIN FacturaDetalle "
+                  "ON Examenes.cod_descripcionexamen = FacturaDetalle.cod_descripcionexamen "
+                  "WHERE FacturaDetalle.factura = ?");
+    join.bind(1, number);
+    std::vector<std::tuple<int, QString, int>> waiting;
+    while (join.next())
+        waiting.emplace_back(join.columnInt(1), join.columnText(2), join.columnInt(3));
+    Stmt work(db, "INSERT INTO EvaluadoTemporal (factura, cod_descripcionexamen, examen) VALUES (?, ?, ?)");
+    for (const auto& [exam, name, units] : waiting) {
+        for (int u = 0; u < std::max(1, units); ++u) {
+            work.bind(1, number);
+            work.bind(2, exam);
+            work.bind(3, name);
+            step(work);
+        }
+    }
+    execBare(db, "COMMIT");
+    return rows;
+}
+
 }  // namespace
 
 void addBillingPaths(Bench& bench, const Context& c)
@@ -185,6 +276,45 @@ void addBillingPaths(Bench& bench, const Context& c)
                },
                .note = QStringLiteral("the floor reads the 20 catalogue prices besides the "
                                       "switch and factor that the totals read")});
+
+    // A whole save of a 5-line invoice charged to the insurer, with its
+    // work-table feed, each save committed as the desk commits it.
+    const std::vector<int> five = listedExams(c.bare, 5);
+    const int patient = int(scalarBare(c.bare, "SELECT MIN(cod_paciente) FROM Pacientes WHERE Cod_seguro = 1"));
+    auto writer = std::make_shared<sqlite3*>(nullptr);
+    Target saveTarget = Target::withinFloor();
+    saveTarget.ceilingMs = 50;
+    bench.add({.name = QStringLiteral("invoice save, 5 lines to the insurer with the work table (factura3)"),
+               .run = [five, patient] {
+                   static qint64 next = kOursFrom;
+                   tq::InvoiceDocument doc;
+                   doc.numero = tq::toInt32(double(next++));
+                   doc.fecha = QDate::currentDate();
+                   doc.faturado = QStringLiteral("bench");
+                   doc.codPaciente = patient;
+                   doc.subtotal = doc.total = QStringLiteral("500.00");
+                   doc.edad = QStringLiteral("40 Años 1 meses");
+                   for (std::size_t i = 0; i < five.size(); ++i)
+                       doc.lines << tq::InvoiceLine{i == 0 ? 2 : 1, five[i], QStringLiteral("100.00")};
+                   tq::saveInvoice(doc, tq::Settlement::Insurer, tq::Payment{}, true, nullptr);
+                   return qint64(1 + five.size() + 2 + five.size() + 1);
+               },
+               .floor = [c, five, patient, writer] {
+                   static qint64 next = kBareFrom;
+                   if (!*writer)
+                       *writer = openBare(c.storePath, false);
+                   return saveFloor(*writer, next++, patient, five);
+               },
+               .target = saveTarget,
+               .note = QStringLiteral("both sides commit every save to the disk; the saved invoices "
+                                      "are taken away afterwards"),
+               .after = [c, writer] {
+                   if (!*writer)
+                       *writer = openBare(c.storePath, false);
+                   removeSaved(*writer);
+                   closeBare(*writer);
+                   *writer = nullptr;
+               }});
 }
 
 }  // namespace bench
