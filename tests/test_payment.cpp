@@ -210,8 +210,8 @@ private slots:
         QVERIFY(d.entered && d.cargo == 77 && d.nombre == "O'Neil");
         QCOMPARE(d.identidad, QString("0801-1990-1234_"));
 
-        // First press: the box is filled but the save fails; second press:
-        // the box is closed by its window, and the invoice is paid without it.
+        // A box filled for a press whose save failed never reaches a later
+        // save without a card amount.
         FakeInvoice invoice;
         invoice.failures = 1;
         QPointer<Fcobrar> w = openPayment(&invoice);
@@ -224,15 +224,24 @@ private slots:
         QVERIFY(w && invoice.saved.isEmpty() && cardDetails().entered);
         QCOMPARE(shown.size(), 2);
         QVERIFY(shown.last().startsWith("No se pudo cobrar la factura."));
+        amounts(w, "100", "", "");
+        press(w, "guardar", sp, Answer::Yes);
+        QVERIFY(gone(w));
+        QCOMPARE(invoice.saved.size(), 1);
+        QVERIFY(!invoice.saved.last().card.entered);
+
+        // The card box closed by its window: the invoice is paid without it.
+        w = openPayment(&invoice);
+        amounts(w, "", "100", "");
         sp.onModal("FdatosTarjeta", [](QWidget* b) {
             fillCard(b, "5", "Ana", "0801");
             b->close();
         });
         press(w, "guardar", sp, Answer::Yes);
         QVERIFY(gone(w));
-        QCOMPARE(invoice.saved.size(), 1);
-        QCOMPARE(amountsOf(invoice.saved.first().payment), (QList<double>{0, 100, 0, 0}));
-        QVERIFY(!invoice.saved.first().card.entered);
+        QCOMPARE(invoice.saved.size(), 2);
+        QCOMPARE(amountsOf(invoice.saved.last().payment), (QList<double>{0, 100, 0, 0}));
+        QVERIFY(!invoice.saved.last().card.entered);
     }
 
     // The chooser records the kind and opens the invoice: alone, or inside
