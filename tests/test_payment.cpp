@@ -1,6 +1,7 @@
 // The payment screen Fcobrar, its card box FdatosTarjeta and the chooser
 // Form13, driven through their controls with a stand-in invoice that records
 // what it was handed.
+#include "random_user.h"
 #include "testsupport.h"
 
 #include "billing/invoice/payment.h"
@@ -8,6 +9,7 @@
 #include "foundation/base/apperror.h"
 #include "foundation/base/appstate.h"
 #include "foundation/startup/MDIForm1.h"
+#include "foundation/ui/errors.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -176,6 +178,38 @@ private slots:
         QCOMPARE(press(w, "guardar", sp),
                  QStringList{"No hay ninguna factura que cobrar: el cobro se hace desde la factura, al guardarla."});
         QVERIFY(gone(w));
+    }
+
+    // Whatever is pasted into an amount box is read as money or refused in
+    // plain words: never a failure, never an amount the store can't keep.
+    void pastedTexts()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        FakeInvoice invoice;
+        const int failuresBefore = boundaryRecord().shown;
+        for (const QString& text : nastyTexts() + QStringList{"1e999", "-0.004"}) {
+            QPointer<Fcobrar> w = openPayment(&invoice);
+            w->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(w));
+            tick(control<QCheckBox>(w, "Check1"));
+            edit(w, "Text2")->setFocus();
+            edit(w, "Text2")->setText(text);
+            pressKey(edit(w, "Text2"), Qt::Key_Tab);
+            const int handed = int(invoice.saved.size());
+            const QStringList shown = press(w, "guardar", sp, Answer::Yes);
+            if (invoice.saved.size() > handed) {
+                const double cash = invoice.saved.last().payment.efectivo;
+                QVERIFY2(cash >= 0 && cash < 100, qPrintable(text));
+            } else {
+                QVERIFY2(shown.size() == 1 && shown.first().startsWith("El monto en efectivo"),
+                         qPrintable(text + ": " + shown.join('|')));
+                w->close();
+            }
+        }
+        QCOMPARE(boundaryRecord().shown, failuresBefore);
+        // Refused: "-1", "99999999999", "1e308" and "1e999".
+        QCOMPARE(invoice.saved.size(), nastyTexts().size() + 2 - 4);
     }
 
     // The card box refuses a missing field in order, with the focus on it;
