@@ -124,8 +124,8 @@ private slots:
     }
 
     // In instalments something always stays owing; what is paid now is the
-    // sum. The amount boxes read as money, refuse what no amount can be, and
-    // the screen without an invoice only says so.
+    // sum. The amount boxes read as money, and the screen without an invoice
+    // only says so.
     void instalmentsAndAmounts()
     {
         TempStore store;
@@ -135,10 +135,6 @@ private slots:
         tick(control<QCheckBox>(w, "Check1"));
         amounts(w, "100", "", "");
         QCOMPARE(press(w, "guardar", sp), QStringList{"el total no puede ser mayor"});
-        amounts(w, "1000000000", "", "");
-        QCOMPARE(press(w, "guardar", sp),
-                 QStringList{"El monto en efectivo es demasiado grande: no puede pasar de 999999999.99."});
-        QCOMPARE(w->focusWidget(), edit(w, "Text2"));
         QVERIFY(invoice.saved.isEmpty());
 
         // Keys: letters never arrive, "/" does and ends the number; leaving
@@ -202,7 +198,8 @@ private slots:
                 const double cash = invoice.saved.last().payment.efectivo;
                 QVERIFY2(cash >= 0 && cash < 100, qPrintable(text));
             } else {
-                QVERIFY2(shown.size() == 1 && shown.first().startsWith("El monto en efectivo"),
+                QVERIFY2(shown.size() == 1 && shown.first().startsWith("El monto en efectivo")
+                             && w->focusWidget() == edit(w, "Text2"),
                          qPrintable(text + ": " + shown.join('|')));
                 w->close();
             }
