@@ -1,7 +1,7 @@
 #pragma once
 // The chooser of the kind of payment: "Efectivo", "Tarjeta" or "Cheque" is
 // recorded for the invoice's caption and the invoice screen opens. The kind
-// plays no part in the save; the amounts alone tell how an invoice is paid.
+// has no say in the save; the amounts alone tell how an invoice is paid.
 #include <QWidget>
 #include <memory>
 
