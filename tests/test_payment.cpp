@@ -1,0 +1,306 @@
+// The payment screen Fcobrar, its card box FdatosTarjeta and the chooser
+// Form13, driven through their controls with a stand-in invoice that records
+// what it was handed.
+#include "random_user.h"
+#include "testsupport.h"
+
+#include "billing/invoice/payment.h"
+#include "billing/payment/Fcobrar.h"
+#include "foundation/base/apperror.h"
+#include "foundation/base/appstate.h"
+#include "foundation/startup/MDIForm1.h"
+#include "foundation/ui/errors.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QPointer>
+
+using namespace tq;
+using namespace tq::test;
+
+namespace {
+
+struct Handed {
+    Payment payment;
+    bool credit = false;
+    CardDetails card;   // as the save found them
+};
+
+class FakeInvoice : public PaymentTarget {
+public:
+    QString total = QStringLiteral("100");
+    QList<Handed> saved;
+    int failures = 0;   // saves that fail before this one succeeds
+
+    QString totalText() const override { return total; }
+    void savePaid(const Payment& payment, bool credit) override
+    {
+        if (failures > 0) {
+            --failures;
+            throw AppError(QStringLiteral("La base de datos no respondió."));
+        }
+        saved.append({payment, credit, cardDetails()});
+    }
+};
+
+QPointer<Fcobrar> openPayment(FakeInvoice* invoice)
+{
+    auto* w = qobject_cast<Fcobrar*>(openScreen("Fcobrar"));
+    w->setTarget(invoice);
+    return w;
+}
+
+// Fills the three amount boxes (blank for an empty text).
+void amounts(QWidget* w, const QString& cash, const QString& card, const QString& cheque)
+{
+    retype(edit(w, "Text2"), cash);
+    retype(edit(w, "Text3"), card);
+    retype(edit(w, "Text4"), cheque);
+}
+
+void fillCard(QWidget* box, const QString& cargo, const QString& name, const QString& identity)
+{
+    typeKeys(edit(box, "Text1"), cargo);
+    typeKeys(edit(box, "Text2"), name);
+    edit(box, "MasK1")->setFocus();
+    edit(box, "MasK1")->home(false);
+    typeKeys(edit(box, "MasK1"), identity);
+}
+
+// The screen has closed (and gone, as every screen does on closing).
+template <typename T>
+bool gone(const QPointer<T>& w)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return !w;
+}
+
+QList<double> amountsOf(const Payment& p) { return {p.efectivo, p.tarjeta, p.cheque, p.pagado}; }
+
+}  // namespace
+
+class TestPayment : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Paid in full: the sum must be the total to the cent, the question
+    // comes last, and a card amount opens the card box before the save.
+    void paidInFull()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        FakeInvoice invoice;
+        QPointer<Fcobrar> w = openPayment(&invoice);
+        QCOMPARE(edit(w, "Text1")->text(), QString("100.00"));
+
+        amounts(w, "60", "30", "");
+        QCOMPARE(press(w, "guardar", sp), QStringList{"no coinciden los datos"});
+        amounts(w, "60", "40", "");
+        QCOMPARE(press(w, "guardar", sp, Answer::No), QStringList{"esta seguro de los datos "});
+        QVERIFY(w && w->isVisible() && invoice.saved.isEmpty());
+
+        sp.onModal("FdatosTarjeta", [](QWidget* box) {
+            fillCard(box, "4411", "Rosa Mejía", "0801199012345");
+            clickNamed(box, "Command1");
+        });
+        QCOMPARE(press(w, "guardar", sp, Answer::Yes), QStringList{"esta seguro de los datos "});
+        QVERIFY(gone(w));
+        QCOMPARE(invoice.saved.size(), 1);
+        const Handed h = invoice.saved.first();
+        QCOMPARE(amountsOf(h.payment), (QList<double>{60, 40, 0, 0}));
+        QVERIFY(!h.credit && h.card.entered);
+        QCOMPARE(h.card.cargo, 4411);
+        QCOMPARE(h.card.identidad, QString("0801-1990-12345"));
+
+        // Two-decimal amounts add up exactly; no card amount, no card box.
+        invoice.total = ".30";
+        w = openPayment(&invoice);
+        amounts(w, ".10", "", ".2");
+        sp.clear();
+        clickNamed(w, "guardar");
+        QCOMPARE(sp.messages(), QStringList{"esta seguro de los datos "});
+        QCOMPARE(amountsOf(invoice.saved.last().payment), (QList<double>{.1, 0, .2, 0}));
+        QVERIFY(!invoice.saved.last().card.entered);
+    }
+
+    // In instalments something always stays owing; what is paid now is the
+    // sum. The amount boxes read as money, and the screen without an invoice
+    // only says so.
+    void instalmentsAndAmounts()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        FakeInvoice invoice;
+        QPointer<Fcobrar> w = openPayment(&invoice);
+        tick(control<QCheckBox>(w, "Check1"));
+        amounts(w, "100", "", "");
+        QCOMPARE(press(w, "guardar", sp), QStringList{"el total no puede ser mayor"});
+        QVERIFY(invoice.saved.isEmpty());
+
+        // Keys: letters never arrive, "/" does and ends the number; leaving
+        // the box shows it as money, a blank box stays blank.
+        w->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(w));
+        clickNamed(w, "cancelar");
+        QCOMPARE(edit(w, "Text2")->text() + edit(w, "Text3")->text() + edit(w, "Text4")->text(), QString());
+        edit(w, "Text2")->setFocus();
+        typeKeys(edit(w, "Text2"), "1a2/5");
+        QCOMPARE(edit(w, "Text2")->text(), QString("12/5"));
+        pressKey(edit(w, "Text2"), Qt::Key_Tab);
+        pressKey(edit(w, "Text3"), Qt::Key_Tab);
+        QCOMPARE(edit(w, "Text2")->text(), QString("12.00"));
+        QCOMPARE(edit(w, "Text3")->text(), QString());
+        QCOMPARE(QApplication::focusWidget(), edit(w, "Text4"));
+
+        retype(edit(w, "Text4"), "8");
+        QCOMPARE(press(w, "guardar", sp, Answer::Yes), QStringList{"esta seguro de los datos "});
+        QCOMPARE(amountsOf(invoice.saved.last().payment), (QList<double>{12, 0, 8, 20}));
+        QVERIFY(invoice.saved.last().credit);
+
+        // Nothing paid today is allowed in instalments.
+        w = openPayment(&invoice);
+        tick(control<QCheckBox>(w, "Check1"));
+        QCOMPARE(press(w, "guardar", sp, Answer::Yes), QStringList{"esta seguro de los datos "});
+        QCOMPARE(amountsOf(invoice.saved.last().payment), (QList<double>{0, 0, 0, 0}));
+        QVERIFY(invoice.saved.last().credit);
+
+        // "Salir" hands nothing; with no invoice "Guardar" says so and closes.
+        w = openPayment(&invoice);
+        amounts(w, "100", "", "");
+        clickNamed(w, "Command3");
+        QVERIFY(gone(w));
+        QCOMPARE(invoice.saved.size(), 2);
+        w = qobject_cast<Fcobrar*>(openScreen("Fcobrar"));
+        QCOMPARE(press(w, "guardar", sp),
+                 QStringList{"No hay ninguna factura que cobrar: el cobro se hace desde la factura, al guardarla."});
+        QVERIFY(gone(w));
+    }
+
+    // Whatever is pasted into an amount box is read as money or refused in
+    // plain words: never a failure, never an amount the store can't keep.
+    void pastedTexts()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        FakeInvoice invoice;
+        const int failuresBefore = boundaryRecord().shown;
+        for (const QString& text : nastyTexts() + QStringList{"1e999", "-0.004"}) {
+            QPointer<Fcobrar> w = openPayment(&invoice);
+            w->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(w));
+            tick(control<QCheckBox>(w, "Check1"));
+            edit(w, "Text2")->setFocus();
+            edit(w, "Text2")->setText(text);
+            pressKey(edit(w, "Text2"), Qt::Key_Tab);
+            const int handed = int(invoice.saved.size());
+            const QStringList shown = press(w, "guardar", sp, Answer::Yes);
+            if (invoice.saved.size() > handed) {
+                const double cash = invoice.saved.last().payment.efectivo;
+                QVERIFY2(cash >= 0 && cash < 100, qPrintable(text));
+            } else {
+                QVERIFY2(shown.size() == 1 && shown.first().startsWith("El monto en efectivo")
+                             && w->focusWidget() == edit(w, "Text2"),
+                         qPrintable(text + ": " + shown.join('|')));
+                w->close();
+            }
+        }
+        QCOMPARE(boundaryRecord().shown, failuresBefore);
+        // Refused: "-1", "99999999999", "1e308" and "1e999".
+        QCOMPARE(invoice.saved.size(), nastyTexts().size() + 2 - 4);
+    }
+
+    // The card box refuses a missing field in order, with the focus on it;
+    // only its own "ok" marks the details entered, and a card box filled for
+    // a press that did not save never reaches a later save.
+    void cardBox()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        cardDetails().entered = true;
+        QPointer<QWidget> box = openScreen("FdatosTarjeta");
+        QVERIFY(!cardDetails().entered);
+        QCOMPARE(edit(box, "MasK1")->displayText(), QString("____-____-_____"));
+        const QList<QPair<QString, QString>> refusals{
+            {"Debe ingresar el numero de Cargo", "Text1"},
+            {"Debe ingresar el Nombre de la persona", "Text2"},
+            {"Debe ingresar el numero de Identidad", "MasK1"}};
+        for (const auto& [message, field] : refusals) {
+            QCOMPARE(press(box, "Command1", sp), QStringList{message});
+            QCOMPARE(box->focusWidget(), edit(box, field));
+            edit(box, field)->home(false);
+            typeKeys(edit(box, field), field == "Text1" ? "9999999999" : field == "Text2" ? "O'Neil" : "080119901234");
+        }
+        // A charge number no record number can hold is refused whole.
+        QStringList shown = press(box, "Command1", sp);
+        QVERIFY2(shown.size() == 1 && shown.first().contains("2147483647"), qPrintable(shown.join('|')));
+        QVERIFY(box && !cardDetails().entered);
+        retype(edit(box, "Text1"), "77");
+        QVERIFY(press(box, "Command1", sp).isEmpty());
+        QVERIFY(gone(box));
+        const CardDetails d = cardDetails();
+        QVERIFY(d.entered && d.cargo == 77 && d.nombre == "O'Neil");
+        QCOMPARE(d.identidad, QString("0801-1990-1234_"));
+
+        // A box filled for a press whose save failed never reaches a later
+        // save without a card amount.
+        FakeInvoice invoice;
+        invoice.failures = 1;
+        QPointer<Fcobrar> w = openPayment(&invoice);
+        amounts(w, "", "100", "");
+        sp.onModal("FdatosTarjeta", [](QWidget* b) {
+            fillCard(b, "5", "Ana", "0801");
+            clickNamed(b, "Command1");
+        });
+        shown = press(w, "guardar", sp, Answer::Yes);
+        QVERIFY(w && invoice.saved.isEmpty() && cardDetails().entered);
+        QCOMPARE(shown.size(), 2);
+        QVERIFY(shown.last().startsWith("No se pudo cobrar la factura."));
+        amounts(w, "100", "", "");
+        press(w, "guardar", sp, Answer::Yes);
+        QVERIFY(gone(w));
+        QCOMPARE(invoice.saved.size(), 1);
+        QVERIFY(!invoice.saved.last().card.entered);
+
+        // The card box closed by its window: the invoice is paid without it.
+        w = openPayment(&invoice);
+        amounts(w, "", "100", "");
+        sp.onModal("FdatosTarjeta", [](QWidget* b) {
+            fillCard(b, "5", "Ana", "0801");
+            b->close();
+        });
+        press(w, "guardar", sp, Answer::Yes);
+        QVERIFY(gone(w));
+        QCOMPARE(invoice.saved.size(), 2);
+        QCOMPARE(amountsOf(invoice.saved.last().payment), (QList<double>{0, 100, 0, 0}));
+        QVERIFY(!invoice.saved.last().card.entered);
+    }
+
+    // The chooser records the kind and opens the invoice: alone, or inside
+    // the main window when it is open.
+    void chooserOpensInvoice()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        QPointer<QWidget> chooser = openScreen("Form13");
+        clickNamed(chooser, "Command1");
+        QVERIFY(gone(chooser));
+        QCOMPARE(state().tipoPago, QString("efectivo"));
+        QPointer<QWidget> alone;
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->objectName() == "factura3" && top->isVisible())
+                alone = top;
+        QVERIFY(alone);
+        alone->close();
+
+        state().currentUser = "admin";
+        MDIForm1* main = MDIForm1::showMain();
+        chooser = openScreen("Form13");
+        clickNamed(chooser, "Command3");
+        QCOMPARE(state().tipoPago, QString("Cheque"));
+        QVERIFY(main->panelScreen("factura3"));
+        delete main;
+    }
+};
+
+QTEST_MAIN(TestPayment)
+#include "test_payment.moc"
