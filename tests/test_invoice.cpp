@@ -458,6 +458,39 @@ private slots:
                  (QStringList{"", "credito", ".00", ".00", ".00", ".00", "cxc 1"}));
     }
 
+    // The whole press as the desk makes it: the payment screen with a card
+    // amount, the card box, the confirmation, the saved invoice.
+    void throughThePaymentScreens()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const Lab lab = fillLab();
+        addPatient("Particular", 0, QDate(1990, 1, 1));
+        QPointer<QWidget> w = openScreen("factura3");
+        pickPatient(w, sp, "Particular");
+        keyLine(w, "1", lab.urea);
+        clickNamed(w, "generar");
+        sp.onModal("Fcobrar", [&sp](QWidget* cobro) {
+            QCOMPARE(edit(cobro, "Text1")->text(), QString("120.00"));
+            typeKeys(edit(cobro, "Text2"), "20");
+            typeKeys(edit(cobro, "Text3"), "100");
+            sp.onModal("FdatosTarjeta", [](QWidget* card) {
+                typeKeys(edit(card, "Text1"), "4455");
+                typeKeys(edit(card, "Text2"), "Ana Paz");
+                typeKeys(edit(card, "MasK1"), "0801");
+                clickNamed(card, "Command1");
+            });
+            clickNamed(cobro, "guardar");
+        });
+        sp.clear();
+        QVERIFY(clickNamed(w, "guardarfact"));
+        QCOMPARE(sp.messages(), (QStringList{"esta seguro de los datos ", "Desea Guardar la factura. ",
+                                             "La factura se guardo Satisfactoriamente."}));
+        QCOMPARE(settlement(1), (QStringList{"pagada", "", "20.00", "100.00", ".00", "120.00", "cxc 0", "creditos -", "tarjeta 1"}));
+        QCOMPARE(value("SELECT num_autorizacion || '|' || num_tarjeta || '|' || num_identidad FROM Datostarjeta").toString(),
+                 QString("4455|Ana Paz|0801-____-_____"));
+    }
+
     // Two workstations propose the same number; the second save takes the next.
     void numberTakenMeanwhile()
     {
