@@ -250,6 +250,11 @@ private slots:
         QVERIFY(clickNamed(w, "agregar"));
         QVERIFY(lines(w)->isEnabled() && on(w, "generar") && !on(w, "guardarfact") && !on(w, "Command1"));
         QCOMPARE(extras(w), (QStringList{"Extras:", "", ""}));
+
+        // Saved, the extra goes with its kind.
+        clickNamed(w, "generar");
+        saveWith(w, sp, paying(28.8, 0, 0), false);
+        QCOMPARE(value("SELECT adicional || ' ' || valadicional FROM Factura").toString(), QString("Descuento 3.2"));
     }
 
     // Load, the number proposed, the screen number, the grid's keys before a

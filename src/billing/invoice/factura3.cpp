@@ -96,6 +96,13 @@ factura3::~factura3()
         state().screenNumber = 0;
 }
 
+void factura3::showNumber()
+{
+    ui->Txt_numfact->setText(QString::number(m_numero));
+    // A screen reader reads the number with its caption.
+    ui->Txt_numfact->setAccessibleName(QStringLiteral("Factura No. %1").arg(m_numero));
+}
+
 void factura3::showPaymentKind()
 {
     // The kind chosen beforehand only colours the caption; the amounts decide the payment.
@@ -129,7 +136,7 @@ void factura3::load()
     // Last number plus one; nothing is reserved, the save checks again.
     const QVariant last = amb1().scalar(QStringLiteral("SELECT MAX(factura) FROM Factura"));
     m_numero = last.isNull() ? 1 : toInt32(double(toInt32(last)) + 1);
-    ui->Txt_numfact->setText(QString::number(m_numero));
+    showNumber();
 
     Recordset doctores;
     doctores.open(QStringLiteral(
@@ -566,7 +573,7 @@ void factura3::save(Settlement settlement, const Payment& payment)
                               .arg(out.numero),
                           Icon::Information, kTitle);
         m_numero = out.numero;
-        ui->Txt_numfact->setText(QString::number(m_numero));
+        showNumber();
     }
     prompts().message(QStringLiteral("La factura se guardo Satisfactoriamente."), Icon::Information, kTitle);
     showSaved();

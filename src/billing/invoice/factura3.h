@@ -37,6 +37,7 @@ protected:
     // The steps of the screen, each as a button or key runs it.
     void load();
     void showPaymentKind();
+    void showNumber();
     void setUpGrid(bool firstLoad);
     void choosePatient();
     void gridKey(int row, int col, QKeyEvent* event);
