@@ -44,7 +44,7 @@ const QList<QPair<const char*, const char*>> kOpens = {
     {"corteintervalo", "Form8"}, {"modifval", "Form342"}, {"contra", "FcambioContrasena"},
     {"respaldo", "frmBackup"},
 };
-const QStringList kModeless = {"refactura", "corteintervalo"};
+const QStringList kModeless = {"refactura", "corteintervalo", "cortedia"};
 // What a limited user (rol 2) finds grey.
 const QStringList kLimited = {"exa",      "emple",   "cortedia", "corteintervalo", "blanc", "lista",
                               "respaldo", "repexpa", "dat",      "MNMIST",         "FMRVT", "comi"};
@@ -326,7 +326,6 @@ private slots:
         int heading = 0;
         sp->onModal("Freimprimir",
                     [&](QWidget* w) { reprinting = w->property("reimprimir").toBool(); });
-        sp->onModal("DataReport2", [&](QWidget* w) { heading = w->property("encabezado").toInt(); });
         for (const auto& [name, screen] : kOpens) {
             created.clear();
             entry(name)->trigger();
@@ -334,6 +333,8 @@ private slots:
             const QList<QWidget*> windows = openWindows(screen);
             if (kModeless.contains(name)) {
                 QCOMPARE(windows.size(), 1);
+                if (screen == QLatin1String("DataReport2"))
+                    heading = windows.first()->property("encabezado").toInt();
                 QCOMPARE(windows.first()->parentWidget(), MDIForm1::instance());
                 delete windows.first();
             } else {

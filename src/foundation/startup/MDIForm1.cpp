@@ -6,6 +6,7 @@
 #include "foundation/base/appstate.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
+#include "foundation/reports/report.h"
 #include "foundation/ui/registry.h"
 #include "foundation/startup/Form4.h"
 #include "foundation/startup/accesos.h"
@@ -331,21 +332,12 @@ void MDIForm1::openModeless(const QString& name)
 void MDIForm1::runReport(const QString& report, const QString& command, const QString& filter,
                          int heading)
 {
-    if (!tq::ScreenRegistry::instance().has(report)) {
-        tq::notBuiltNotice(report);
-        return;
-    }
-    // The slot may hold whatever its last user opened in it (sign-on leaves
-    // rsCommand5 on the laboratory's row): the report's source is always
-    // opened afresh.
-    tq::Recordset& rs = tq::amb1().rs(command);
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(QString());
-    if (!filter.isEmpty())
-        rs.setFilter(filter);
-    tq::openModal(report, [heading](QWidget* w) { w->setProperty("encabezado", heading); });
+    tq::ReportRun run;
+    run.report = report;
+    run.command = command;
+    run.filter = filter;
+    run.heading = heading;
+    tq::runReport(run, this);
 }
 
 void MDIForm1::openPacientes()
