@@ -9,6 +9,19 @@ namespace tq {
 
 struct ScreenRegistry::Impl {
     QMap<QString, ScreenFactory> factories;
+    struct Family {
+        std::function<QStringList()> names;
+        std::function<QWidget*(const QString&, QWidget*)> make;
+    };
+    QList<Family> families;
+
+    const Family* familyOf(const QString& name) const
+    {
+        for (const Family& f : families)
+            if (f.names().contains(name))
+                return &f;
+        return nullptr;
+    }
 };
 
 ScreenRegistry::Impl* ScreenRegistry::d()
@@ -34,20 +47,40 @@ bool ScreenRegistry::add(const QString& name, ScreenFactory factory)
     return true;
 }
 
-bool ScreenRegistry::has(const QString& name) const { return d()->factories.contains(name); }
+void ScreenRegistry::addFamily(std::function<QStringList()> names,
+                               std::function<QWidget*(const QString&, QWidget*)> make)
+{
+    d()->families.append({std::move(names), std::move(make)});
+}
+
+bool ScreenRegistry::has(const QString& name) const
+{
+    return d()->factories.contains(name) || d()->familyOf(name);
+}
 
 QWidget* ScreenRegistry::create(const QString& name, QWidget* parent) const
 {
-    const auto it = d()->factories.constFind(name);
-    if (it == d()->factories.constEnd())
+    QWidget* w = nullptr;
+    if (const auto it = d()->factories.constFind(name); it != d()->factories.constEnd())
+        w = (*it)(parent);
+    else if (const Impl::Family* f = d()->familyOf(name))
+        w = f->make(name, parent);
+    else
         return nullptr;
-    QWidget* w = (*it)(parent);
     if (w && w->objectName().isEmpty())
         w->setObjectName(name);
     return w;
 }
 
-QStringList ScreenRegistry::names() const { return d()->factories.keys(); }
+QStringList ScreenRegistry::names() const
+{
+    QStringList out = d()->factories.keys();
+    for (const Impl::Family& f : d()->families)
+        for (const QString& n : f.names())
+            if (!out.contains(n))
+                out << n;
+    return out;
+}
 
 void notBuiltNotice(const QString& name)
 {

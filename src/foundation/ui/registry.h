@@ -21,6 +21,12 @@ public:
     QWidget* create(const QString& name, QWidget* parent = nullptr) const;
     QStringList names() const;
 
+    // A family of screens made from declarations rather than classes (the
+    // report previews): `names` lists them, `make` builds one by name.
+    // Screens added one by one come first when a name is in both.
+    void addFamily(std::function<QStringList()> names,
+                   std::function<QWidget*(const QString& name, QWidget* parent)> make);
+
 private:
     struct Impl;
     Impl* d();
