@@ -1,0 +1,24 @@
+// DataReport22: the log of result corrections between two dates, as the
+// listing screen opens it on repcambios.
+#include "reports/parts.h"
+
+using namespace tq::report;
+using namespace tq::report::parts;
+
+TQ_DECLARE_REPORT(DataReport22)
+{
+    Layout l = layoutOn(Paper::LetterLandscape, QStringLiteral("rsrepcambios"),
+                        QStringLiteral("Historial de Cambios"));
+    const double w = bandWidth(l);
+    const Table changes({{QStringLiteral("FACTURA:"), QStringLiteral("Factura"), 22, Format::Whole},
+                         {QStringLiteral("PLANTILLA:"), QStringLiteral("plantilla"), 45},
+                         {QStringLiteral("USUARIO:"), QStringLiteral("usuario"), 35},
+                         {QStringLiteral("FECHA:"), QStringLiteral("fecha"), 25, Format::Date},
+                         {QStringLiteral("DESCRIPCION:"), QStringLiteral("descripcion"),
+                          w - 127}});
+    l.pageHeader = band(changes.captions(), 1);
+    Level change;
+    change.header = band(changes.cells(), 0.5);
+    l.levels = {change};
+    return l;
+}
