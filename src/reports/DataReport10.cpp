@@ -17,10 +17,7 @@ TQ_DECLARE_REPORT(DataReport10)
                        {QStringLiteral("Precio"), QStringLiteral("Expr1"), 26, Format::Money},
                        {QStringLiteral("Valor"), QStringLiteral("Expr2"), 26, Format::Money},
                        {QStringLiteral("Ganancia"), QStringLiteral("Expr3"), 26, Format::Money}});
-    l.pageHeader = band(lines.captions(), 1);
-    Level line;
-    line.header = band(lines.cells(), 0.5);
-    l.levels = {line};
+    listOf(l, lines);
     l.reportFooter = band(lines.totals(QStringLiteral("Ganancia Total"), {QStringLiteral("Expr3")}));
     return l;
 }

@@ -24,9 +24,6 @@ TQ_DECLARE_REPORT(DataReport11)
                                                   Box{37 + half, 1, half, 5})}
                               + exams.captions(7),
                           1);
-    Level exam;
-    exam.rows = QStringLiteral("RepClienteexamen");
-    exam.header = band(exams.cells(), 0.5);
-    l.levels = {patient, exam};
+    l.levels = {patient, rowsOf(QStringLiteral("RepClienteexamen"), exams)};
     return l;
 }

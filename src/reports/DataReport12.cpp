@@ -17,9 +17,6 @@ TQ_DECLARE_REPORT(DataReport12)
                           {QStringLiteral("UNIDAD"), QStringLiteral("unidad"), 26},
                           {QStringLiteral("MINIMO"), QStringLiteral("cminima"), 25},
                           {QStringLiteral("EXISTENCIA"), QStringLiteral("stock"), 25}});
-    l.pageHeader = band(supplies.captions(), 1);
-    Level supply;
-    supply.header = band(supplies.cells(), 0.5);
-    l.levels = {supply};
+    listOf(l, supplies);
     return l;
 }

@@ -24,10 +24,7 @@ TQ_DECLARE_REPORT(DataReport2)
                           + sales.captions(7),
                       1);
     day.footer = band(sales.totals(QStringLiteral("TOTALES"), amounts), 4);
-    Level sale;
-    sale.rows = QStringLiteral("rcorte");
-    sale.header = band(sales.cells(), 0.5);
-    l.levels = {day, sale};
+    l.levels = {day, rowsOf(QStringLiteral("rcorte"), sales)};
     l.reportFooter = band(sales.totals(QStringLiteral("TOTAL GENERAL:"), {QStringLiteral("total")}));
     return l;
 }

@@ -46,9 +46,6 @@ TQ_DECLARE_REPORT(DataReport20)
                     Box{0, 40, w, 5}, Align::Center, true, 8);
     invoice.footer = band(foot, 4);
 
-    Level detail;
-    detail.rows = QStringLiteral("Command1");
-    detail.header = band(lines.cells(), 0.5);
-    l.levels = {invoice, detail};
+    l.levels = {invoice, rowsOf(QStringLiteral("Command1"), lines)};
     return l;
 }

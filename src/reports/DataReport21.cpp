@@ -13,10 +13,7 @@ TQ_DECLARE_REPORT(DataReport21)
     const Table exams({{QStringLiteral("Factura"), QStringLiteral("factura"), 25, Format::Whole},
                        {QStringLiteral("Fecha"), QStringLiteral("fecha"), 30, Format::Date},
                        {QStringLiteral("Descipcion de Examen"), QStringLiteral("examen"), w - 55}});
-    l.pageHeader = band(exams.captions(), 1);
-    Level exam;
-    exam.header = band(exams.cells(), 0.5);
-    l.levels = {exam};
+    listOf(l, exams);
     l.reportFooter = band({rule(0, 0.5, w),
                            caption(QStringLiteral("Total de Examenes Remitidos"),
                                    Box{0, 1, 60, 5}, Align::Left, true)});

@@ -16,9 +16,6 @@ TQ_DECLARE_REPORT(DataReport22)
                          {QStringLiteral("FECHA:"), QStringLiteral("fecha"), 25, Format::Date},
                          {QStringLiteral("DESCRIPCION:"), QStringLiteral("descripcion"),
                           w - 127}});
-    l.pageHeader = band(changes.captions(), 1);
-    Level change;
-    change.header = band(changes.cells(), 0.5);
-    l.levels = {change};
+    listOf(l, changes);
     return l;
 }

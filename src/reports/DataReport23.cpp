@@ -16,9 +16,6 @@ TQ_DECLARE_REPORT(DataReport23)
                            QStringLiteral("motivo_anulacion"), w - 106},
                           {QStringLiteral("Anulada el"), QStringLiteral("fecha_anulacion"), 36,
                            Format::Date}});
-    l.pageHeader = band(invoices.captions(), 1);
-    Level invoice;
-    invoice.header = band(invoices.cells(), 0.5);
-    l.levels = {invoice};
+    listOf(l, invoices);
     return l;
 }

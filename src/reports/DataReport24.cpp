@@ -9,12 +9,7 @@ TQ_DECLARE_REPORT(DataReport24)
     Layout l = layoutOn(Paper::Letter, QStringLiteral("rscuentascliente_Grouping"),
                         QStringLiteral("Cuentas por Cobrar por Paciente"));
     const double w = bandWidth(l);
-    const double y = l.encabezado.height;
-    l.encabezado = band(l.encabezado.items
-                        + QList<Item>{caption(QStringLiteral("Fecha de Impresion:"),
-                                              Box{0, y, 38, 5}, Align::Left, true),
-                                      printedAt(Box{38, y, 60, 5})},
-                        2);
+    stampPrintDate(l, QStringLiteral("Fecha de Impresion:"), 38);
     const Table invoices({{QStringLiteral("FACTURA"), QStringLiteral("factura"), 30, Format::Whole},
                           {QStringLiteral("PACIENTE"), QStringLiteral("Cod_paciente"), 30,
                            Format::Whole},
@@ -31,10 +26,7 @@ TQ_DECLARE_REPORT(DataReport24)
     patient.footer = band(invoices.totals(QStringLiteral("TOTAL PACIENTE"),
                                           {QStringLiteral("total")}),
                           4);
-    Level invoice;
-    invoice.rows = QStringLiteral("cuentascliente");
-    invoice.header = band(invoices.cells(), 0.5);
-    l.levels = {patient, invoice};
+    l.levels = {patient, rowsOf(QStringLiteral("cuentascliente"), invoices)};
     // Above the patients: the whole of what the insurers owe.
     l.reportFooter = band(invoices.totals(QStringLiteral("TOTAL SEGURO"),
                                           {QStringLiteral("total")}));

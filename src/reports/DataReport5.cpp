@@ -29,12 +29,7 @@ TQ_DECLARE_REPORT(DataReport5)
                                Format::Money)
                               + invoices.captions(7),
                           1);
-    Level invoice;
-    invoice.rows = QStringLiteral("Command3");
-    invoice.header = band(invoices.cells(), 0.5);
-    Level line;
-    line.rows = QStringLiteral("Command4");
-    line.header = band(lines.cells(), 0.5);
-    l.levels = {byTotal, invoice, line};
+    l.levels = {byTotal, rowsOf(QStringLiteral("Command3"), invoices),
+                rowsOf(QStringLiteral("Command4"), lines)};
     return l;
 }

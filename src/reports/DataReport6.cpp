@@ -32,10 +32,7 @@ TQ_DECLARE_REPORT(DataReport6)
                                       13, 22, half - 22)
                                + supplies.captions(20),
                            1);
-    Level supply;
-    supply.rows = QStringLiteral("InsuProv");
-    supply.header = band(supplies.cells(), 0.5);
     supplier.footer = band({rule(0, 1, w)}, 2);
-    l.levels = {supplier, supply};
+    l.levels = {supplier, rowsOf(QStringLiteral("InsuProv"), supplies)};
     return l;
 }

@@ -41,10 +41,7 @@ TQ_DECLARE_REPORT(DataReport7)
                                     true),
                             field(QStringLiteral("total"), Box{w - 33, 1, 32, 5}, Format::Money)},
                            4);
-    Level line;
-    line.rows = QStringLiteral("RepCompras");
-    line.header = band(lines.cells(), 0.5);
-    l.levels = {purchase, line};
+    l.levels = {purchase, rowsOf(QStringLiteral("RepCompras"), lines)};
     // Each purchase once: its total is added over the purchases, not over their lines.
     l.reportFooter = band(captionedTotal(QStringLiteral("TOTAL GENERAL"), QStringLiteral("total"), 0,
                                          1, w - 33, 32, QString()));

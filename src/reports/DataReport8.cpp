@@ -20,10 +20,7 @@ TQ_DECLARE_REPORT(DataReport8)
                           // The money in stock, under the caption it has always had.
                           {QStringLiteral("Existencia"), QStringLiteral("Invertido"), 30,
                            Format::Money}});
-    l.pageHeader = band(supplies.captions(), 1);
-    Level supply;
-    supply.header = band(supplies.cells(), 0.5);
-    l.levels = {supply};
+    listOf(l, supplies);
     l.reportFooter = band(supplies.totals(QStringLiteral("Total Invertido"),
                                           {QStringLiteral("Invertido")}));
     return l;

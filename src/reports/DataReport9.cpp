@@ -24,10 +24,7 @@ TQ_DECLARE_REPORT(DataReport9)
     supplier.footer = band(purchases.totals(QStringLiteral("Total del Proveedor:"),
                                             {QStringLiteral("total")}),
                            4);
-    Level purchase;
-    purchase.rows = QStringLiteral("Repcomp");
-    purchase.header = band(purchases.cells(), 0.5);
-    l.levels = {supplier, purchase};
+    l.levels = {supplier, rowsOf(QStringLiteral("Repcomp"), purchases)};
     l.reportFooter = band(purchases.totals(QStringLiteral("Total General:"),
                                            {QStringLiteral("total")}));
     return l;

@@ -10,12 +10,7 @@ TQ_DECLARE_REPORT(ReporComision)
     Layout l = layoutOn(Paper::Letter, QStringLiteral("rscomision_Grouping"),
                         QStringLiteral("Reporte de Comisiones"));
     const double w = bandWidth(l);
-    const double y = l.encabezado.height;
-    l.encabezado = band(l.encabezado.items
-                        + QList<Item>{caption(QStringLiteral("Fecha Impresion"),
-                                              Box{0, y, 32, 5}, Align::Left, true),
-                                      printedAt(Box{32, y, 60, 5})},
-                        2);
+    stampPrintDate(l, QStringLiteral("Fecha Impresion"), 32);
     const Table invoices({{QStringLiteral("No. Factura"), QStringLiteral("factura"), 24,
                            Format::Whole},
                           {QStringLiteral("Fecha Factura"), QStringLiteral("fecha"), 28,
@@ -35,10 +30,7 @@ TQ_DECLARE_REPORT(ReporComision)
     doctorDay.footer = band(invoices.totals(QStringLiteral("TOTAL COMISION:"),
                                             {QStringLiteral("comi")}),
                             4);
-    Level invoice;
-    invoice.rows = QStringLiteral("comision");
-    invoice.header = band(invoices.cells(), 0.5);
-    l.levels = {doctorDay, invoice};
+    l.levels = {doctorDay, rowsOf(QStringLiteral("comision"), invoices)};
     l.reportFooter = band(invoices.totals(QStringLiteral("TOTAL GENERAL:"),
                                           {QStringLiteral("comi")}));
     return l;

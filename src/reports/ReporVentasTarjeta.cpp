@@ -37,10 +37,7 @@ TQ_DECLARE_REPORT(ReporVentasTarjeta)
                           + sales.captions(7),
                       1);
     day.footer = band(cardTotals(w), 3);
-    Level sale;
-    sale.rows = QStringLiteral("repventastarjeta");
-    sale.header = band(sales.cells(), 0.5);
-    l.levels = {day, sale};
+    l.levels = {day, rowsOf(QStringLiteral("repventastarjeta"), sales)};
     l.reportFooter = band(cardTotals(w));
     return l;
 }

@@ -151,12 +151,6 @@ Item rule(double x, double y, double width)
     return i;
 }
 
-Item printedAt(Box box)
-{
-    // "%d %t": the report facility's codes for today's date and the time.
-    return label(QStringLiteral("fechaimpresion"), QStringLiteral("%d %t"), box);
-}
-
 QList<Item> pair(const QString& text, const QString& column, double x, double y,
                  double captionWidth, double fieldWidth, Format format)
 {
@@ -249,6 +243,41 @@ QList<Item> Table::totals(const QString& text, const QStringList& columns, doubl
     return items;
 }
 
+Level rowsOf(const QString& rows, const Table& table)
+{
+    Level l;
+    l.rows = rows;
+    l.header = band(table.cells(), 0.5);
+    return l;
+}
+
+void listOf(Layout& layout, const Table& table)
+{
+    layout.pageHeader = band(table.captions(), 1);
+    layout.levels = {rowsOf(QString(), table)};
+}
+
+namespace {
+
+// The date and time of printing: "%d %t" are the report facility's codes for
+// today's date and the time, named so that a caller could set it too.
+Item printedAt(Box box)
+{
+    return label(QStringLiteral("fechaimpresion"), QStringLiteral("%d %t"), box);
+}
+
+}  // namespace
+
+void stampPrintDate(Layout& layout, const QString& text, double captionWidth)
+{
+    const double y = layout.encabezado.height;
+    layout.encabezado = band(layout.encabezado.items
+                                 + QList<Item>{caption(text, Box{0, y, captionWidth, kLine},
+                                                       Align::Left, true),
+                                               printedAt(Box{captionWidth, y, 60, kLine})},
+                             2);
+}
+
 Layout halfLetterInvoice(const QString& billedBy, const QString& extraLabel,
                          const QString& banner)
 {
@@ -296,10 +325,7 @@ Layout halfLetterInvoice(const QString& billedBy, const QString& extraLabel,
     invoice.header = band(head, 2);
     invoice.footer = band(foot, 2);
     invoice.pageBreakBefore = true;
-    Level detail;
-    detail.rows = QStringLiteral("Command1");
-    detail.header = band(lines.cells(), 0.5);
-    l.levels = {invoice, detail};
+    l.levels = {invoice, rowsOf(QStringLiteral("Command1"), lines)};
     return l;
 }
 
@@ -327,10 +353,7 @@ Layout insurerInvoices(const QString& command, const QString& invoices)
                           2);
     insurer.footer = band(rows.totals(QStringLiteral("TOTAL ADEUDADO"), {QStringLiteral("total")}),
                           4);
-    Level detail;
-    detail.rows = invoices;
-    detail.header = band(rows.cells(), 0.5);
-    l.levels = {insurer, detail};
+    l.levels = {insurer, rowsOf(invoices, rows)};
     return l;
 }
 
@@ -358,9 +381,9 @@ Layout examList(const QString& tickColumn)
                             32, w - 32)
                            + exams.captions(7),
                        1);
-    Level detail;
-    detail.rows = QStringLiteral("rlistaexamenes");
-    detail.header = band(exams.cells(), tickColumn.isEmpty() ? 0.5 : 2);
+    Level detail = rowsOf(QStringLiteral("rlistaexamenes"), exams);
+    if (!tickColumn.isEmpty())
+        detail.header.height += 1.5;   // room to tick
     l.levels = {type, detail};
     return l;
 }

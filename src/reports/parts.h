@@ -48,8 +48,6 @@ Item field(const QString& column, Box box, Format format = Format::Text);
 Item total(const QString& column, Box box, std::optional<QString> level = {});
 // A horizontal rule.
 Item rule(double x, double y, double width);
-// The date and time the report is printed, as the report facility writes them.
-Item printedAt(Box box);
 
 // A caption and, after it on the same line, the field it names.
 QList<Item> pair(const QString& text, const QString& column, double x, double y,
@@ -89,6 +87,14 @@ private:
     QList<Column> m_columns;
     double m_x;
 };
+
+// A level whose band is one row of the table's cells for each of `rows`
+// ("" for the command's own rows).
+Level rowsOf(const QString& rows, const Table& table);
+// A plain list: the table's captions on every page, a row of cells per record.
+void listOf(Layout& layout, const Table& table);
+// The date and time of printing after `text`, under the heading's other lines.
+void stampPrintDate(Layout& layout, const QString& text, double captionWidth);
 
 // The invoice on half-letter paper, from rsrfact1: one invoice a page, its
 // patient, its lines, who billed it and its total. `billedBy` is the caption

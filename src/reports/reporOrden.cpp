@@ -44,9 +44,6 @@ TQ_DECLARE_REPORT(reporOrden)
                          caption(QStringLiteral("Total"), Box{0, 14, cw, 5}, Align::Right, true),
                          field(QStringLiteral("total"), Box{cw + 1, 14, 38, 5}, Format::Money)},
                         2);
-    Level line;
-    line.rows = QStringLiteral("Command7");
-    line.header = band(lines.cells(), 0.5);
-    l.levels = {order, line};
+    l.levels = {order, rowsOf(QStringLiteral("Command7"), lines)};
     return l;
 }
