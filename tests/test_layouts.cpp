@@ -270,6 +270,23 @@ void TestLayouts::everyReportIsDeclaredWithItsCommandAndPaper()
             QVERIFY2(p.item->box.x + p.item->box.w <= across - 2 * l->marginMm + 0.01,
                      qPrintable(name + QStringLiteral(": ") + p.item->text + QStringLiteral(" in ")
                                 + p.band));
+        // No two texts of a band print over each other.
+        const QList<Placed> all = itemsOf(*l);
+        for (int a = 0; a < all.size(); ++a)
+            for (int b = a + 1; b < all.size(); ++b) {
+                const Item& i = *all.at(a).item;
+                const Item& j = *all.at(b).item;
+                if (all.at(a).band != all.at(b).band || i.kind == Item::Kind::Line
+                    || j.kind == Item::Kind::Line)
+                    continue;
+                const bool apart = i.box.x + i.box.w <= j.box.x + 0.01
+                                   || j.box.x + j.box.w <= i.box.x + 0.01
+                                   || i.box.y + i.box.h <= j.box.y + 0.01
+                                   || j.box.y + j.box.h <= i.box.y + 0.01;
+                QVERIFY2(apart, qPrintable(name + QStringLiteral(": ") + i.text
+                                           + QStringLiteral(" over ") + j.text
+                                           + QStringLiteral(" in ") + all.at(a).band));
+            }
     }
     // No other report is declared under another name.
     QStringList declared = layoutNames();

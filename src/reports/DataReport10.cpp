@@ -18,6 +18,7 @@ TQ_DECLARE_REPORT(DataReport10)
                        {QStringLiteral("Valor"), QStringLiteral("Expr2"), 26, Format::Money},
                        {QStringLiteral("Ganancia"), QStringLiteral("Expr3"), 26, Format::Money}});
     listOf(l, lines);
-    l.reportFooter = band(lines.totals(QStringLiteral("Ganancia Total"), {QStringLiteral("Expr3")}));
+    l.reportFooter =
+        band(lines.totals(QStringLiteral("Ganancia Total"), {QStringLiteral("Expr3")}));
     return l;
 }

@@ -25,6 +25,7 @@ TQ_DECLARE_REPORT(DataReport2)
                       1);
     day.footer = band(sales.totals(QStringLiteral("TOTALES"), amounts), 4);
     l.levels = {day, rowsOf(QStringLiteral("rcorte"), sales)};
-    l.reportFooter = band(sales.totals(QStringLiteral("TOTAL GENERAL:"), {QStringLiteral("total")}));
+    l.reportFooter =
+        band(sales.totals(QStringLiteral("TOTAL GENERAL:"), {QStringLiteral("total")}));
     return l;
 }

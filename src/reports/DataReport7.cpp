@@ -43,7 +43,7 @@ TQ_DECLARE_REPORT(DataReport7)
                            4);
     l.levels = {purchase, rowsOf(QStringLiteral("RepCompras"), lines)};
     // Each purchase once: its total is added over the purchases, not over their lines.
-    l.reportFooter = band(captionedTotal(QStringLiteral("TOTAL GENERAL"), QStringLiteral("total"), 0,
-                                         1, w - 33, 32, QString()));
+    l.reportFooter = band(captionedTotal(QStringLiteral("TOTAL GENERAL"),
+                                         QStringLiteral("total"), 0, 1, w - 33, 32, QString()));
     return l;
 }

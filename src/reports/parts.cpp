@@ -308,7 +308,7 @@ Layout halfLetterInvoice(const QString& billedBy, const QString& extraLabel,
 
     QList<Item> foot;
     foot << rule(0, 0.5, w)
-         << pair(billedBy, QStringLiteral("faturado"), 0, 2, 30, 40);
+         << pair(billedBy, QStringLiteral("faturado"), 0, 2, 30, 30);
     double ty = 2;
     if (!extraLabel.isEmpty()) {
         foot << label(extraLabel, QStringLiteral("Otros"), Box{w - 62, ty, 34, kLine}, Align::Right)

@@ -20,8 +20,8 @@ TQ_DECLARE_REPORT(reporOrden)
                              Format::Whole)
                             + pair(QStringLiteral("Fecha:"), QStringLiteral("fecha"), w - 60, 0,
                                    14, 46, Format::Date)
-                            + pair(QStringLiteral("Codigo Paciente"), QStringLiteral("cod_paciente"),
-                                   0, 6, 36, 30, Format::Whole)
+                            + pair(QStringLiteral("Codigo Paciente"),
+                                   QStringLiteral("cod_paciente"), 0, 6, 36, 30, Format::Whole)
                             + pair(QStringLiteral("Nombre Paciente"), QStringLiteral("nombre"), 0,
                                    12, 36, w - 36)
                             + pair(QStringLiteral("Direccion Paciente"),
@@ -36,12 +36,14 @@ TQ_DECLARE_REPORT(reporOrden)
                          caption(QStringLiteral("Elaborado por:"), Box{0, 2, 30, 5}, Align::Left,
                                  true),
                          field(QStringLiteral("faturado"), Box{30, 2, 50, 5}),
-                         caption(QStringLiteral("Sub Total"), Box{0, 2, cw, 5}, Align::Right, true),
+                         caption(QStringLiteral("Sub Total"), Box{cw - 40, 2, 40, 5}, Align::Right,
+                                 true),
                          field(QStringLiteral("sub_total"), Box{cw + 1, 2, 38, 5}, Format::Money),
                          kind,
                          field(QStringLiteral("valadicional"), Box{cw + 1, 8, 38, 5},
                                Format::Money),
-                         caption(QStringLiteral("Total"), Box{0, 14, cw, 5}, Align::Right, true),
+                         caption(QStringLiteral("Total"), Box{cw - 40, 14, 40, 5}, Align::Right,
+                                 true),
                          field(QStringLiteral("total"), Box{cw + 1, 14, 38, 5}, Format::Money)},
                         2);
     l.levels = {order, rowsOf(QStringLiteral("Command7"), lines)};
