@@ -118,6 +118,10 @@ TQ_DECLARE_REPORT(PruebaFactura)
     lines.header.items << field("examen", {0, 0, 80, 5}) << field("cantidad", {82, 0, 15, 5}, Format::Whole)
                        << field("subtotal", {105, 0, 25, 5}, Format::Money, Align::Right);
     l.levels << invoice << lines;
+    l.reportFooter.height = 6;
+    l.reportFooter.items << caption("", "Total facturado:", {0, 0, 40, 5})
+                         << Item{.kind = Item::Kind::Total, .text = "total", .level = "",
+                                 .box = {105, 0, 25, 5}, .align = Align::Right, .format = Format::Money};
     return l;
 }
 
@@ -390,6 +394,8 @@ private slots:
         QCOMPARE(lineWith(pages[0], "Descuento"), QString("Descuento -10.00 Total 311.00"));
         QCOMPARE(lineWith(pages[0], "Lineas:"), QString("Lineas: 2"));
         QCOMPARE(lineWith(pages[1], "Total"), QString("Descuento .00 Total 500.00"));
+        // The invoices' own totals, extra included, added over the invoices.
+        QCOMPARE(lineWith(pages[1], "Total facturado:"), QString("Total facturado: 801.00"));
 
         r.filter = QString("factura = %1").arg(b);
         runReport(r);

@@ -179,7 +179,7 @@ void ReportPreview::setUp()
 ReportPreview* ReportPreview::find(const QString& name)
 {
     for (const QPointer<ReportPreview>& p : std::as_const(openPreviews()))
-        if (p && p->objectName() == name && !p->testAttribute(Qt::WA_WState_Hidden))
+        if (p && p->objectName() == name && p->isVisible())
             return p;
     return nullptr;
 }
