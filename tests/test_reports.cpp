@@ -132,7 +132,11 @@ TQ_DECLARE_REPORT(PruebaGanancia)
     l.title = "Ganancias de Prueba";
     l.command = "rsRepFacgan";
     l.pageHeader.height = 6;
-    l.pageHeader.items << caption("", "Examen", {0, 0, 60, 5}) << caption("", "Ganancia", {100, 0, 30, 5});
+    l.pageHeader.items << caption("", "Examen", {0, 0, 60, 5}) << caption("", "Ganancia", {100, 0, 30, 5})
+                       << Item{.kind = Item::Kind::PrintDate, .text = "'Impreso el' dd/MM/yyyy",
+                               .box = {140, 0, 50, 5}};
+    l.pageFooter.height = 6;
+    l.pageFooter.items << Item{.kind = Item::Kind::PageNumber, .text = "Hoja %1/%2", .box = {0, 0, 30, 5}};
     Level row;
     row.header.height = 5;
     row.header.items << field("examen", {0, 0, 60, 5}) << field("Expr3", {100, 0, 30, 5}, Format::Money, Align::Right);
@@ -420,6 +424,9 @@ private slots:
         QVERIFY2(text.contains("Hemograma"), qPrintable(text));
         QVERIFY(!text.contains("r.Tiroides"));
         QCOMPARE(lineWith(text, "Ganancia Total"), QString("Ganancia Total 240.50 2"));
+        // Its own page number and the date of the run, in the forms it declares.
+        QVERIFY(text.contains("Hoja 1/1") && !text.contains("Página"));
+        QVERIFY(text.contains("Impreso el " + d(QDate::currentDate())));
     }
 
     // No rows: the report still opens, with its heading, headers and footers.

@@ -573,7 +573,7 @@ QString Document::pageText(int page) const
         band(m_body[m_placed[i].instance]);
     if (m_layout->pageFooter.height > 0)
         band(pf);
-    if (!m_pageNumberDeclared)
+    if (!m_pageNumberDeclared && m_layout->pageNumbers)
         lines << QStringLiteral("Página %1 de %2").arg(page + 1).arg(pageCount());
     return lines.join(QLatin1Char('\n'));
 }
@@ -657,7 +657,7 @@ void Document::paintPage(QPainter& p, int page, double dpmm) const
     const double footY = m_pageMm.height() - m_layout->marginMm - m_layout->pageFooter.height;
     if (m_layout->pageFooter.height > 0)
         paintBand(p, pf, footY, page, dpmm);
-    if (!m_pageNumberDeclared) {
+    if (!m_pageNumberDeclared && m_layout->pageNumbers) {
         QFont f = m_fonts.empty() ? QFont() : m_fonts.front();
         f.setPointSizeF(8);
         f.setBold(false);
@@ -681,6 +681,10 @@ bool Document::print(QPagedPaintDevice& device, int from, int to) const
     if (!p.begin(&device))
         return false;
     const double dpmm = device.logicalDpiX() / 25.4;
+    // A printer that keeps margins of its own puts the painter's origin at
+    // them: the pages are drawn from the paper's corner all the same.
+    const QRectF printable = device.pageLayout().paintRect(QPageLayout::Millimeter);
+    p.translate(-printable.left() * dpmm, -printable.top() * dpmm);
     if (to < 0 || to >= pageCount())
         to = pageCount() - 1;
     for (int page = std::max(0, from); page <= to; ++page) {

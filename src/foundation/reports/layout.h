@@ -91,6 +91,9 @@ struct Layout {
     QList<Level> levels;   // outermost first; the last is the detail; none prints no rows
     Band pageFooter;   // on every page
     Band reportFooter; // after the last row: the report's totals
+    // "Página n de m" at the foot of every page, below the page footer, unless
+    // a PageNumber item stands in a band.
+    bool pageNumbers = true;
 };
 
 // The layouts of the program, each declared in a file of its own with

@@ -55,9 +55,11 @@ const ReportRun& lastReportRun() { return last(); }
 QWidget* runReport(const ReportRun& run, QWidget* owner)
 {
     last() = run;
+    const report::Layout* layout = report::findLayout(run.report);
+    const QString command = run.command.isEmpty() && layout ? layout->command : run.command;
     // The slot may hold whatever its last user opened in it: the report's
     // source is always opened afresh.
-    Recordset& rs = amb1().rs(run.command);
+    Recordset& rs = amb1().rs(command);
     if (rs.isOpen())
         rs.close();
     rs.open();
@@ -67,10 +69,9 @@ QWidget* runReport(const ReportRun& run, QWidget* owner)
 
     // The rows are read now: a later filter on the shared recordset does not
     // change what this run shows.
-    const report::Layout* layout = report::findLayout(run.report);
     std::shared_ptr<report::Document> doc;
     if (layout)
-        doc = readReport(*layout, run.command);
+        doc = readReport(*layout, command);
 
     if (run.show == ReportRun::Show::Printer) {
         if (!doc) {
