@@ -427,6 +427,21 @@ private slots:
         // Its own page number and the date of the run, in the forms it declares.
         QVERIFY(text.contains("Hoja 1/1") && !text.contains("Página"));
         QVERIFY(text.contains("Impreso el " + d(QDate::currentDate())));
+
+        // Over a slot its caller opened with its own text: filtered as it stands.
+        amb1().rs("rsmultiusos").open("SELECT examen, precio - valor AS Expr3 FROM Examenes");
+        ReportRun r;
+        r.report = "PruebaGanancia";
+        r.command = "rsmultiusos";
+        r.filter = "Expr3 > 100";
+        r.show = ReportRun::Show::Modal;
+        QString seen;
+        sp->onModal("PruebaGanancia", [&](QWidget* w) {
+            seen = control<QLabel>(w, "Hoja")->accessibleDescription();
+        });
+        runReport(r);
+        QVERIFY2(seen.contains("r.Tiroides") && !seen.contains("Glucosa"), qPrintable(seen));
+        QVERIFY(seen.contains("Ganancia Total  200.00  1"));
     }
 
     // No rows: the report still opens, with its heading, headers and footers.

@@ -111,10 +111,7 @@ ReportPreview::ReportPreview(const report::Layout& layout, QWidget* parent)
 {
     std::shared_ptr<report::Document> doc;
     guarded(QStringLiteral("mostrar el informe"), [&] {
-        Recordset& rs = amb1().rs(layout.command);
-        if (!rs.isOpen())
-            rs.open();
-        doc = std::make_shared<report::Document>(layout, rs);
+        doc = std::make_shared<report::Document>(layout, report::reportRows(layout.command));
     });
     m_doc = doc ? doc : std::make_shared<report::Document>(layout);
     setUp();

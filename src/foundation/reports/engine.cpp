@@ -90,6 +90,15 @@ Heading ponerencabezado(int number)
     return h;
 }
 
+Recordset& reportRows(const QString& command)
+{
+    Recordset& rs = amb1().rs(command);
+    const CommandDef* def = rs.command();
+    if (!rs.isOpen() && def && def->kind != CommandKind::Slot)
+        rs.open();
+    return rs;
+}
+
 // ---------------------------------------------------------------- plans
 
 // How one item of a band is printed in this run.
@@ -534,9 +543,9 @@ QString Document::itemText(const Instance& inst, int item, int page) const
                          ip.item->countRows && ip.item->format == Format::Text ? Format::Whole
                                                                                : ip.item->format);
     case Item::Kind::PageNumber:
-        return (ip.text.isEmpty() ? QStringLiteral("Página %1 de %2") : ip.text)
-            .arg(page + 1)
-            .arg(pageCount());
+        return QString(ip.text.isEmpty() ? QStringLiteral("Página %1 de %2") : ip.text)
+            .replace(QLatin1String("%1"), QString::number(page + 1))
+            .replace(QLatin1String("%2"), QString::number(pageCount()));
     case Item::Kind::PrintDate:
         return m_runAt.toString(ip.text.isEmpty() ? QStringLiteral("dd/MM/yyyy hh:mm") : ip.text);
     case Item::Kind::Picture:

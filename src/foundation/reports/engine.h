@@ -43,6 +43,11 @@ Heading ponerencabezado(int number);
 // neither exists.
 QString logoFile();
 
+// The recordset a report reads, as its caller left it. A report source that
+// is closed is opened (unfiltered); a slot, which its caller opens with its
+// own text, stays as it is (closed, it gives no rows).
+Recordset& reportRows(const QString& command);
+
 class Document {
 public:
     // Reads the rows of `rs` as they stand now (opened, filtered; a closed

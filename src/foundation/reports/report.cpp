@@ -24,10 +24,8 @@ ReportRun& last()
 // The rows of the report as its command's recordset holds them now.
 std::shared_ptr<report::Document> readReport(const report::Layout& layout, const QString& command)
 {
-    Recordset& rs = amb1().rs(command.isEmpty() ? layout.command : command);
-    if (!rs.isOpen())
-        rs.open();
-    return std::make_shared<report::Document>(layout, rs);
+    return std::make_shared<report::Document>(
+        layout, report::reportRows(command.isEmpty() ? layout.command : command));
 }
 
 void putHeading(report::Document& doc, int heading, const QHash<QString, QString>& captions)
@@ -58,11 +56,15 @@ QWidget* runReport(const ReportRun& run, QWidget* owner)
     const report::Layout* layout = report::findLayout(run.report);
     const QString command = run.command.isEmpty() && layout ? layout->command : run.command;
     // The slot may hold whatever its last user opened in it: the report's
-    // source is always opened afresh.
+    // source is always opened afresh. A slot is a report's source only as
+    // its caller opened it, with its own text: it is filtered as it stands.
     Recordset& rs = amb1().rs(command);
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
+    const CommandDef* def = rs.command();
+    if (!def || def->kind != CommandKind::Slot) {
+        if (rs.isOpen())
+            rs.close();
+        rs.open();
+    }
     rs.setFilter(QString());
     if (!run.filter.isEmpty())
         rs.setFilter(run.filter);
