@@ -7,6 +7,8 @@
 #include "bench.h"
 
 #include "foundation/data/amb1.h"
+#include "foundation/reports/ReportPreview.h"
+#include "foundation/reports/engine.h"
 #include "foundation/reports/layout.h"
 #include "foundation/reports/report.h"
 
@@ -170,6 +172,23 @@ void addReportPaths(Bench& bench, const Context& c)
                .floor = [c, daySql] { return Stmt(c.bare, daySql).readAll(c.cutDay); },
                .target = within(300),
                .note = note});
+    bench.add({.name = QStringLiteral("report: day's cut, preview window shown"),
+               .run = [c] {
+                   tq::ReportRun run;
+                   run.report = QStringLiteral("BancoCorte");
+                   run.command = QStringLiteral("rsrcorte_Grouping");
+                   run.filter = QStringLiteral("anulada =0 and fecha =") + dmy(c.cutDay);
+                   run.heading = 2;
+                   QWidget* w = tq::runReport(run, nullptr);
+                   const auto* preview = qobject_cast<tq::ReportPreview*>(w);
+                   const qint64 rows = preview ? preview->document().detailRows() : -1;
+                   delete w;   // the next run makes its window again
+                   return rows;
+               },
+               .floor = [c, daySql] { return Stmt(c.bare, daySql).readAll(c.cutDay); },
+               .target = within(300),
+               .note = QStringLiteral("runReport as the menu calls it: the window made, its first "
+                                      "page painted and shown")});
     bench.add({.name = QStringLiteral("report: day's cut to PDF"),
                .run = [c, pdf] {
                    openFiltered(QStringLiteral("rsrcorte_Grouping"),
