@@ -40,6 +40,8 @@ struct Item {
         Total,     // the sum of a column over the rows the band closes
         Picture,   // a picture, by name ("logo": the laboratory's logo)
         Line,      // a horizontal rule across the box
+        PageNumber,// the page: `text` with %1 the page and %2 the pages ("Página %1 de %2" when empty)
+        PrintDate, // when the report was run: `text` is the date form ("dd/MM/yyyy hh:mm" when empty)
     };
     Kind kind = Kind::Caption;
     // The control's name, by which the heading routine and the callers set
@@ -57,6 +59,8 @@ struct Item {
     Format format = Format::Text;
     double pt = 9;
     bool bold = false;
+    // Total: the number of rows instead of the sum of the column.
+    bool countRows = false;
 };
 
 struct Band {
@@ -87,6 +91,9 @@ struct Layout {
     QList<Level> levels;   // outermost first; the last is the detail; none prints no rows
     Band pageFooter;   // on every page
     Band reportFooter; // after the last row: the report's totals
+    // "Página n de m" at the foot of every page, below the page footer, unless
+    // a PageNumber item stands in a band.
+    bool pageNumbers = true;
 };
 
 // The layouts of the program, each declared in a file of its own with

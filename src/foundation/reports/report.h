@@ -6,6 +6,7 @@
 // to the printer). The filter stays on the shared recordset afterwards; the
 // next caller clears it.
 #include <QHash>
+#include <QImage>
 #include <QString>
 
 class QWidget;
@@ -38,5 +39,26 @@ QWidget* runReport(const ReportRun& run, QWidget* owner = nullptr);
 
 // The last run asked for, as it was asked: what a screen decided to show.
 const ReportRun& lastReportRun();
+
+// What a report came to: its pages and the rows of its last level.
+struct ReportPages {
+    int pages = 0;
+    int rows = 0;
+};
+
+// Writes the report, as it would be shown now (the rows its command's
+// recordset holds, a closed one opened first), with the heading of number
+// `heading` and the captions set by name, to a PDF file; the file takes its
+// name only when whole. False when the report is not declared or the file
+// could not be written (the reason goes to the log).
+bool reportToPdf(const QString& report, int heading, const QHash<QString, QString>& captions,
+                 const QString& file, ReportPages* seen = nullptr);
+
+// The first page of the report as its preview shows it, `widthPx` wide: the
+// rows read, laid out on pages, and one page painted. A null picture when the
+// report is not declared.
+QImage reportFirstPage(const QString& report, int heading,
+                       const QHash<QString, QString>& captions, int widthPx = 800,
+                       ReportPages* seen = nullptr);
 
 }  // namespace tq
