@@ -14,8 +14,12 @@ TQ_DECLARE_REPORT(DataReport21)
                        {QStringLiteral("Fecha"), QStringLiteral("fecha"), 30, Format::Date},
                        {QStringLiteral("Descipcion de Examen"), QStringLiteral("examen"), w - 55}});
     listOf(l, exams);
+    Item count = total(QStringLiteral("examen"), Box{62, 1, 20, 5});
+    count.countRows = true;
+    count.format = Format::Whole;
     l.reportFooter = band({rule(0, 0.5, w),
                            caption(QStringLiteral("Total de Examenes Remitidos"),
-                                   Box{0, 1, 60, 5}, Align::Left, true)});
+                                   Box{0, 1, 60, 5}, Align::Left, true),
+                           count});
     return l;
 }

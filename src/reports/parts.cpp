@@ -49,6 +49,7 @@ Layout layoutOn(Paper paper, const QString& command, const QString& title)
     case Paper::Ticket:
         l.page = ticket();
         l.marginMm = 3;
+        l.pageNumbers = false;   // one continuous strip of paper
         break;
     }
     l.encabezado = heading(bandWidth(l), title);
@@ -259,11 +260,12 @@ void listOf(Layout& layout, const Table& table)
 
 namespace {
 
-// The date and time of printing: "%d %t" are the report facility's codes for
-// today's date and the time, named so that a caller could set it too.
+// The date and time of printing, named so that a caller could set it too.
 Item printedAt(Box box)
 {
-    return label(QStringLiteral("fechaimpresion"), QStringLiteral("%d %t"), box);
+    Item i = label(QStringLiteral("fechaimpresion"), QString(), box);
+    i.kind = Item::Kind::PrintDate;
+    return i;
 }
 
 }  // namespace
