@@ -121,6 +121,15 @@ void runBefore(const QString& command, const QString& filter)
 
 bool closed(const QPointer<QWidget>& w) { return !w || w->isHidden(); }
 
+// The last run asked for, in one line: report, command, «filter», heading, how.
+QString lastRun()
+{
+    const ReportRun& r = lastReportRun();
+    const char* how = r.show == ReportRun::Show::Modal ? "modal"
+                      : r.show == ReportRun::Show::Printer ? "impresora" : "aparte";
+    return QString("%1 %2 «%3» %4 %5").arg(r.report, r.command, r.filter).arg(r.heading).arg(how);
+}
+
 }  // namespace
 
 class TestCuts : public QObject {
@@ -187,12 +196,8 @@ private slots:
 
         dt1->setDate(kDay);
         QVERIFY(clickNamed(w, "Command1"));
-        const ReportRun& run = lastReportRun();
-        QCOMPARE(run.report, report);
-        QCOMPARE(run.command, command);
-        QCOMPARE(run.filter, head + "fecha >= '22/03/2021' and fecha <= '22/03/2021'");
-        QCOMPARE(run.heading, heading);
-        QCOMPARE(run.show, ReportRun::Show::Modeless);
+        QCOMPARE(lastRun(), QString("%1 %2 «%3fecha >= '22/03/2021' and fecha <= '22/03/2021'» %4 "
+                                    "aparte").arg(report, command, head).arg(heading));
         QCOMPARE(invoicesIn(command), rows);
         QVERIFY(closed(w));
     }
@@ -208,17 +213,15 @@ private slots:
         control<QDateEdit>(w, "DT2")->setDate(kDay.addDays(1));
         QVERIFY(clickNamed(w, "Command1"));
         QCOMPARE(invoicesIn("rsrcorte_Grouping"), (QStringList{"1", "2", "4", "5"}));
-
-        runBefore("rsrcorte_Grouping", QString());
         w = openScreen("Fcorteventastarjeta");
         QVERIFY(clickNamed(w, "Command2"));
         QVERIFY(closed(w));
-        QCOMPARE(lastReportRun().report, QString("antes"));
+        QCOMPARE(lastReportRun().report, QString("DataReport2"));
     }
 
-    // The menu's day cut and its lists run with the laboratory's heading; the
-    // panel's cut and list without it. The day's cut of the menu, of the panel
-    // and of Form8 over the same day hold the same invoices.
+    // The menu's day cut runs with the laboratory's heading, the panel's cut
+    // and list without it; the menu's, the panel's and Form8's cut of one day
+    // hold the same invoices. The menu entries open the real screens.
     void menuAndPanelReports()
     {
         TempStore store;
@@ -232,40 +235,16 @@ private slots:
         const QStringList todays = {"20", "22"};
 
         MDIForm1* main = MDIForm1::showMain();
-        struct Entry {
-            const char* action;
-            const char* report;
-            const char* command;
-            int heading;
-        };
-        const Entry entries[] = {{"cortedia", "DataReport2", "rsrcorte_Grouping", 2},
-                                 {"lista", "DataReport3", "rsrexamenes", 3},
-                                 {"blanc", "DataReport4", "rsCommand5", 4},
-                                 {"listadoc", "DataReport14", "rsrexamenes", 14},
-                                 {"membre", "DataReport19", "rstipoexamen", 19}};
-        for (const Entry& e : entries) {
-            main->findChild<QAction*>(e.action)->trigger();
-            const ReportRun& run = lastReportRun();
-            QCOMPARE(run.report, QString(e.report));
-            QCOMPARE(run.command, QString(e.command));
-            QCOMPARE(run.heading, e.heading);
-            QCOMPARE(run.show, ReportRun::Show::Modeless);
-            QCOMPARE(run.filter, QString(e.action) == "cortedia" ? cut : QString());
-            if (QString(e.action) == "cortedia")
-                QCOMPARE(invoicesIn("rsrcorte_Grouping"), todays);
-        }
+        main->findChild<QAction*>("cortedia")->trigger();
+        QCOMPARE(lastRun(), "DataReport2 rsrcorte_Grouping «" + cut + "» 2 aparte");
+        QCOMPARE(invoicesIn("rsrcorte_Grouping"), todays);
 
         QWidget* panel = main->panel();
         QVERIFY(clickNamed(panel, "Command2"));
-        QCOMPARE(lastReportRun().report, QString("DataReport2"));
-        QCOMPARE(lastReportRun().filter, cut);
-        QCOMPARE(lastReportRun().heading, 0);
+        QCOMPARE(lastRun(), "DataReport2 rsrcorte_Grouping «" + cut + "» 0 aparte");
         QCOMPARE(invoicesIn("rsrcorte_Grouping"), todays);
         QVERIFY(clickNamed(panel, "Command3"));
-        QCOMPARE(lastReportRun().report, QString("DataReport3"));
-        QCOMPARE(lastReportRun().command, QString("rsrexamenes"));
-        QCOMPARE(lastReportRun().filter, QString());
-        QCOMPARE(lastReportRun().heading, 0);
+        QCOMPARE(lastRun(), QString("DataReport3 rsrexamenes «» 0 aparte"));
 
         QPointer<QWidget> w = openScreen("Form8");
         QVERIFY(clickNamed(w, "Command1"));   // both pickers start on today
@@ -315,10 +294,7 @@ private slots:
         QVERIFY(combo->isEnabled() && !control<QLineEdit>(w, "Text1")->isEnabled());
         pickEntry(combo, "5   3M Salud");
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(lastReportRun().report, QString("DataReport17"));
-        QCOMPARE(lastReportRun().command, QString("rsrcuentas"));
-        QCOMPARE(lastReportRun().filter, QString("Cod_Seguro =5"));
-        QCOMPARE(lastReportRun().heading, 17);
+        QCOMPARE(lastRun(), QString("DataReport17 rsrcuentas «Cod_Seguro =5» 17 aparte"));
         QCOMPARE(invoicesIn("rsrcuentas"), QStringList{"2"});
         QVERIFY(closed(w));
 
@@ -332,8 +308,7 @@ private slots:
         QVERIFY(!closed(w));
         sp.answers = {Answer::Yes};
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(lastReportRun().report, QString("DataReport17"));
-        QCOMPARE(lastReportRun().filter, QString());
+        QCOMPARE(lastRun(), QString("DataReport17 rsrcuentas «» 17 aparte"));
         QCOMPARE(invoicesIn("rsrcuentas"), (QStringList{"1", "2"}));
 
         w = openScreen("Form33");
@@ -344,19 +319,19 @@ private slots:
             clickGridRow(g, findRow(g, 0, QString::number(lab.ana)));
         };
         sp.onModal("FBuscarCliente", chooseAna);
+        pickEntry(control<QComboBox>(w, "Combo1"), "3   Palic");
         tick(control<QRadioButton>(w, "Option2"));
         QVERIFY(!control<QComboBox>(w, "Combo1")->isEnabled());
         QVERIFY(clickNamed(w, "Command2"));
         QCOMPARE(selector, std::int16_t(4));
         QCOMPARE(control<QLineEdit>(w, "Text1")->text(), QString("Ana, López"));
-        // "Cancelar" forgets the patient: the report is then the general one.
+        // "Cancelar" forgets the patient (the report is then the general one)
+        // and puts the combo back at its prompt line.
         QVERIFY(clickNamed(w, "Command3"));
         QCOMPARE(control<QLineEdit>(w, "Text1")->text(), QString());
+        QCOMPARE(control<QComboBox>(w, "Combo1")->currentIndex(), 0);
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(lastReportRun().report, QString("DataReport24"));
-        QCOMPARE(lastReportRun().command, QString("rscuentascliente_Grouping"));
-        QCOMPARE(lastReportRun().filter, QString());
-        QCOMPARE(lastReportRun().heading, 27);
+        QCOMPARE(lastRun(), QString("DataReport24 rscuentascliente_Grouping «» 27 aparte"));
         QCOMPARE(invoicesIn("rscuentascliente_Grouping"), (QStringList{"1", "2"}));
 
         w = openScreen("Form33");
@@ -364,17 +339,11 @@ private slots:
         sp.onModal("FBuscarCliente", chooseAna);
         QVERIFY(clickNamed(w, "Command2"));
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(lastReportRun().filter, "Cod_paciente =" + QString::number(lab.ana));
+        QCOMPARE(lastRun(), QString("DataReport24 rscuentascliente_Grouping «Cod_paciente =%1» 27 "
+                                    "aparte").arg(lab.ana));
         QCOMPARE(invoicesIn("rscuentascliente_Grouping"), QStringList{"1"});
         QVERIFY(closed(w));
 
-        // Back at the prompt line after a choice.
-        w = openScreen("Form33");
-        combo = control<QComboBox>(w, "Combo1");
-        pickEntry(combo, "3   Palic");
-        QVERIFY(clickNamed(w, "Command3"));
-        QCOMPARE(combo->currentIndex(), 0);
-        w->close();
     }
 
     // Form35: the settled invoices of one insurer, voided ones included, or of
@@ -387,10 +356,7 @@ private slots:
         QPointer<QWidget> w = openScreen("Form35");
         pickEntry(control<QComboBox>(w, "Combo1"), "5   3M Salud");
         QVERIFY(clickNamed(w, "Command1"));
-        QCOMPARE(lastReportRun().report, QString("DataReport18"));
-        QCOMPARE(lastReportRun().command, QString("rsrcpagadas"));
-        QCOMPARE(lastReportRun().filter, QString("Cod_Seguro =5"));
-        QCOMPARE(lastReportRun().heading, 18);
+        QCOMPARE(lastRun(), QString("DataReport18 rsrcpagadas «Cod_Seguro =5» 18 aparte"));
         QCOMPARE(invoicesIn("rsrcpagadas"), QStringList{"7"});
         QVERIFY(closed(w));
 
@@ -400,7 +366,7 @@ private slots:
         QVERIFY(clickNamed(w, "Command1"));
         QCOMPARE(sp.messages().value(0),
                  QString("No ha seleccionado empresa, desea ver el reporte en general?"));
-        QCOMPARE(lastReportRun().filter, QString());
+        QCOMPARE(lastRun(), QString("DataReport18 rsrcpagadas «» 18 aparte"));
         QCOMPARE(invoicesIn("rsrcpagadas"), (QStringList{"4", "7"}));
     }
 
@@ -419,12 +385,8 @@ private slots:
         QVERIFY(row >= 0);
         sp.answers = {Answer::Yes};
         clickRow(grid, row);
-        const ReportRun& run = lastReportRun();
-        QCOMPARE(run.report, QString("DataReport11"));
-        QCOMPARE(run.command, QString("rsRepClienteexamen_Grouping"));
-        QCOMPARE(run.filter, "Cod_Paciente =" + QString::number(lab.ana));
-        QCOMPARE(run.heading, 11);
-        QCOMPARE(run.show, ReportRun::Show::Modal);
+        QCOMPARE(lastRun(), QString("DataReport11 rsRepClienteexamen_Grouping «Cod_Paciente =%1» 11 "
+                                    "modal").arg(lab.ana));
         QCOMPARE(invoicesIn("rsRepClienteexamen_Grouping"), (QStringList{"1", "4"}));
         w->close();
     }
