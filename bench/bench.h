@@ -110,5 +110,6 @@ void addExamPaths(Bench& bench, const Context& context);
 void addPatientPaths(Bench& bench, const Context& context);
 void addBillingPaths(Bench& bench, const Context& context);
 void addReportPaths(Bench& bench, const Context& context);
+void addCutPaths(Bench& bench, const Context& context);
 
 }  // namespace bench

@@ -115,6 +115,7 @@ int main(int argc, char** argv)
         bench::addPatientPaths(b, c);
         bench::addBillingPaths(b, c);
         bench::addReportPaths(b, c);
+        bench::addCutPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();

@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
@@ -354,6 +355,32 @@ QString looseKey(const QVariant& v)
     return s;
 }
 
+// The distinct values of a column of the rows read, as the store gave them
+// (nulls relate to nothing); none when the column is missing or the values
+// are too many to be listed in a statement.
+std::optional<QVariantList> parentKeys(const Table& rows, const QString& column)
+{
+    constexpr int kMaxListed = 500;
+    const int at = rows.find(column);
+    if (at < 0)
+        return std::nullopt;
+    QVariantList keys;
+    QSet<QPair<int, QString>> seen;
+    for (const QVector<QVariant>& r : rows.rows) {
+        const QVariant& v = r.at(at);
+        if (!v.isValid() || v.isNull())
+            continue;
+        const QPair<int, QString> key(v.typeId(), v.toString());
+        if (seen.contains(key))
+            continue;
+        if (keys.size() == kMaxListed)
+            return std::nullopt;
+        seen.insert(key);
+        keys << v;
+    }
+    return keys;
+}
+
 // The rows of a shape and of every shape below it. `where`, when given,
 // narrows the shape's own rows in the store; the rows below are then read
 // only for the rows that pass.
@@ -384,13 +411,29 @@ std::shared_ptr<const Node> buildNode(const Shape& shape, const QVariantList& bi
         link.name = rel.name.isEmpty() ? rel.child->alias : rel.name;
         std::optional<StoreCondition> childWhere;
         if (where) {
-            // Child rows whose key is among the keys of the parent rows that pass.
-            const QString alias = aliasAt(depth);
-            childWhere = StoreCondition{
-                QStringLiteral("%1.%2 IN (SELECT %3.%4 FROM (%5) AS %3 WHERE %6)")
-                    .arg(QString(StoreCondition::kAliasMark), quotedName(rel.childColumn), alias,
-                         quotedName(rel.parentColumn), shape.sql, where->on(alias)),
-                mine + where->binds};
+            // Child rows whose key is among the keys of the parent rows that
+            // pass. A few keys go as a list of their values: the store then
+            // narrows the children's own query, which it does not do for a
+            // condition over a subquery when that query is DISTINCT (the
+            // invoices of one insurer among all the paid ones).
+            std::optional<QVariantList> keys = parentKeys(*rows, rel.parentColumn);
+            const QString mark(StoreCondition::kAliasMark);
+            if (keys && keys->isEmpty()) {
+                childWhere = StoreCondition{QStringLiteral("1 = 0"), {}};
+            } else if (keys) {
+                const QStringList marks(keys->size(), QStringLiteral("?"));
+                childWhere = StoreCondition{QStringLiteral("%1.%2 IN (%3)")
+                                                .arg(mark, quotedName(rel.childColumn),
+                                                     marks.join(QStringLiteral(", "))),
+                                            *keys};
+            } else {
+                const QString alias = aliasAt(depth);
+                childWhere = StoreCondition{
+                    QStringLiteral("%1.%2 IN (SELECT %3.%4 FROM (%5) AS %3 WHERE %6)")
+                        .arg(mark, quotedName(rel.childColumn), alias,
+                             quotedName(rel.parentColumn), shape.sql, where->on(alias)),
+                    mine + where->binds};
+            }
         }
         link.node = buildNode(*rel.child, binds, used, childWhere ? &*childWhere : nullptr,
                               depth + 1);

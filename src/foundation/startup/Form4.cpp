@@ -3,6 +3,8 @@
 #include "ui_Form4.h"
 
 #include "foundation/base/appstate.h"
+#include "foundation/reports/report.h"
+#include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/startup/pictures.h"
 #include "foundation/base/values.h"
@@ -36,6 +38,22 @@ Form4::Form4(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::Form4>(
     wire(ui->Image3, ui->Label8, &Form4::empleados);
     wire(ui->Image4, ui->Label9, &Form4::facturacion);
     wire(ui->Image5, ui->Label10, &Form4::resultados);
+
+    // The day's cut and the exam list, straight from the panel: without the
+    // laboratory's heading, as the panel always ran them.
+    tq::onClick(ui->Command2, QStringLiteral("mostrar el corte diario"), [this] {
+        tq::ReportRun run;
+        run.report = QStringLiteral("DataReport2");
+        run.command = QStringLiteral("rsrcorte_Grouping");
+        run.filter = QStringLiteral("anulada =0 and fecha =") + ui->Label4->text();
+        tq::runReport(run, window());
+    });
+    tq::onClick(ui->Command3, QStringLiteral("mostrar la lista de exámenes"), [this] {
+        tq::ReportRun run;
+        run.report = QStringLiteral("DataReport3");
+        run.command = QStringLiteral("rsrexamenes");
+        tq::runReport(run, window());
+    });
 
     connect(ui->Command1, &QToolButton::clicked, this, [this] {
         if (tq::prompts().message(QStringLiteral("Esta Seguro que Desea Salir del Sistema"),

@@ -4,6 +4,7 @@
 
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
+#include "foundation/reports/report.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
@@ -74,15 +75,11 @@ void Form30::choose(int row)
                           Icon::Question, QString::fromLatin1(kAppTitle), Buttons::YesNo)
         != Answer::Yes)
         return;
-    Recordset& exams = amb1().rs(QStringLiteral("rsRepClienteexamen_Grouping"));
-    if (exams.isOpen())
-        exams.close();
-    exams.open();
-    exams.setFilter(QStringLiteral("Cod_Paciente =") + QString::number(code));
-    if (ScreenRegistry::instance().has(QStringLiteral("DataReport11")))
-        openModal(QStringLiteral("DataReport11"));
-    else
-        prompts().message(QStringLiteral("El reporte de exámenes por paciente todavía no está "
-                                         "disponible en esta versión del sistema."),
-                          Icon::Information);
+    ReportRun run;
+    run.report = QStringLiteral("DataReport11");
+    run.command = QStringLiteral("rsRepClienteexamen_Grouping");
+    run.filter = QStringLiteral("Cod_Paciente =") + QString::number(code);
+    run.heading = 11;
+    run.show = ReportRun::Show::Modal;
+    runReport(run, this);
 }

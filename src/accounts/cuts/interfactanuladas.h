@@ -1,0 +1,9 @@
+#pragma once
+// "Reporte de facturas anuladas": the invoices voided in a period. Both menu
+// entries for voided invoices open it.
+#include "foundation/ui/daterange.h"
+
+class interfactanuladas : public tq::PeriodScreen {
+public:
+    explicit interfactanuladas(QWidget* parent = nullptr);
+};
