@@ -109,5 +109,6 @@ void addFoundationPaths(Bench& bench, const Context& context);
 void addExamPaths(Bench& bench, const Context& context);
 void addPatientPaths(Bench& bench, const Context& context);
 void addBillingPaths(Bench& bench, const Context& context);
+void addSearchPaths(Bench& bench, const Context& context);
 
 }  // namespace bench

@@ -114,6 +114,7 @@ int main(int argc, char** argv)
         bench::addExamPaths(b, c);
         bench::addPatientPaths(b, c);
         bench::addBillingPaths(b, c);
+        bench::addSearchPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();
