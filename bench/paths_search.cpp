@@ -66,9 +66,11 @@ const char* const kJoin = " FROM Pacientes INNER JOIN Factura ON Pacientes.cod_p
 const char* const kPorFecha =
     "SELECT Factura.fecha, Factura.factura, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
+// By name the patients are read first.
 const char* const kPorNombre =
     "SELECT Pacientes.nombre_paciente, Pacientes.apellido_paciente, Factura.fecha, "
-    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
+    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
+    "FROM Pacientes CROSS JOIN Factura WHERE Pacientes.cod_paciente = Factura.cod_paciente";
 const char* const kPorNumero =
     "SELECT Factura.factura, Factura.fecha, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
@@ -77,6 +79,9 @@ QString sql(const char* columns, const char* condition = "")
 {
     return QLatin1String(columns) + QLatin1String(kJoin) + QLatin1String(condition);
 }
+
+// The list reads its first 1000 rows; scrolling to their end reads more.
+const char* const kFirst = " LIMIT 1000";
 
 }  // namespace
 
@@ -89,10 +94,12 @@ void addSearchPaths(Bench& bench, const Context& c)
                    delete screen;
                    return rows;
                },
-               .floor = [c] { return Stmt(c.bare, sql(kPorFecha)).readAll(); },
+               .floor = [c] { return Stmt(c.bare, sql(kPorFecha, kFirst)).readAll(); },
                .target = {.ceilingMs = 300.0},
-               .note = QStringLiteral("the screen made and \"Aplicar Filtro\" pressed: every "
-                                      "invoice with its patient in the grid")});
+               .note = QStringLiteral("the screen made and \"Aplicar Filtro\" pressed: the first "
+                                      "1000 invoices with their patients in the grid, more read "
+                                      "as it is scrolled (reading all 200000 bare takes about "
+                                      "1 s)")});
 
     bench.add({.name = QStringLiteral("invoice search by number, one keystroke (Form9)"),
                .run = [c] {
@@ -107,10 +114,12 @@ void addSearchPaths(Bench& bench, const Context& c)
     bench.add({.name = QStringLiteral("invoice search by name, one keystroke (Form9)"),
                .run = [] { return loaded("Option2").keystroke(QStringLiteral("Mar"), QStringLiteral("t")); },
                .floor = [c] {
-                   return Stmt(c.bare, sql(kPorNombre, " WHERE Pacientes.nombre_paciente LIKE ?"))
+                   return Stmt(c.bare, QLatin1String(kPorNombre)
+                                           + " AND Pacientes.nombre_paciente LIKE ?" + kFirst)
                        .readAll(QStringLiteral("%Mart%"));
                },
-               .note = QStringLiteral("\"Mart\" anywhere in the patient's name")});
+               .note = QStringLiteral("\"Mart\" anywhere in the patient's name: 4637 invoices, "
+                                      "the first 1000 read")});
 
     bench.add({.name = QStringLiteral("invoice search by day (Form9)"),
                .run = [c] { return loaded("Option1").day(c.cutDay); },

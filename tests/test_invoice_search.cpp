@@ -17,6 +17,7 @@
 #include <QDateEdit>
 #include <QPointer>
 #include <QRadioButton>
+#include <QScrollBar>
 
 using namespace tq;
 using namespace tq::test;
@@ -137,6 +138,7 @@ private slots:
     void searchListsEveryInvoiceInThreeOrders();
     void searchNarrowsByDateNameAndNumber();
     void aRowShowsTheInvoicesLines();
+    void aLongListIsReadAsItIsScrolled();
     void numberBoxShowsTheInvoiceForVoiding();
     void voidingMarksTheInvoiceAndTakesOneExamOffTheTable();
     void voidingIsAllOrNothing();
@@ -353,6 +355,48 @@ void TestInvoiceSearch::aRowShowsTheInvoicesLines()
         // Closing the detail clears its narrowing.
         QCOMPARE(amb1().rs("rsDetallefact").filter(), QString());
     }
+}
+
+void TestInvoiceSearch::aLongListIsReadAsItIsScrolled()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    const int ana = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Ana'").toInt();
+    const int darcy = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'D''Arcy'").toInt();
+    {
+        Transaction t;
+        for (int n = 10; n < 2510; ++n)
+            amb1().insert("Factura", {"factura", "fecha", "cod_paciente", "total"},
+                          {n, kDay, n % 2 ? darcy : ana, "10.00"});
+        t.commit();
+    }
+    QWidget* w = openScreen("Form9");
+    w->resize(800, 400);
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    // The scroll bar dragged to its end.
+    auto toTheEnd = [grid] {
+        QCoreApplication::processEvents();
+        QScrollBar* bar = grid->verticalScrollBar();
+        QVERIFY(bar->maximum() > 0);
+        bar->setValue(bar->maximum());
+        QCoreApplication::processEvents();
+    };
+    tick(control<QRadioButton>(w, "Option2"));
+    press(w, "Command1", sp);
+    const int first = grid->rows();
+    QVERIFY(first < 2504);
+    toTheEnd();
+    QCOMPARE(grid->rows(), 2504);
+    // Narrowed, the rows beyond the first read are reached the same way,
+    // and the narrowing holds for them.
+    press(w, "Command1", sp);
+    retype(edit(w, "Text1"), "d'a");
+    QCOMPARE(grid->rows(), std::min(first, 1252));
+    toTheEnd();
+    QCOMPARE(grid->rows(), 1252);
+    QCOMPARE(grid->findRow("nombre_paciente", "Ana"), -1);
+    QVERIFY(sp.messages().isEmpty());
 }
 
 void TestInvoiceSearch::numberBoxShowsTheInvoiceForVoiding()

@@ -9,7 +9,11 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/registry.h"
 
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QShortcut>
+#include <QTimer>
+#include <limits>
 
 TQ_REGISTER_SCREEN(Form9)
 
@@ -19,7 +23,9 @@ namespace {
 
 Recordset& consultas() { return amb1().rs(QStringLiteral("rsconsultas")); }
 
-// The three orders of the list, all over the same join.
+// The three orders of the list, all over the same join. By name the
+// patients are read first, so that a name narrows the patients before their
+// invoices are looked up.
 const char* const kPorFecha =
     "SELECT Factura.fecha, Factura.factura, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
@@ -27,11 +33,22 @@ const char* const kPorFecha =
 const char* const kPorNombre =
     "SELECT Pacientes.nombre_paciente, Pacientes.apellido_paciente,Factura.fecha, "
     "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
-    "FROM Pacientes INNER JOIN Factura ON Pacientes.cod_paciente = Factura.cod_paciente";
+    "FROM Pacientes CROSS JOIN Factura WHERE Pacientes.cod_paciente = Factura.cod_paciente";
 const char* const kPorNumero =
     "SELECT Factura.factura, factura.fecha, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
     "FROM Pacientes INNER JOIN Factura ON Pacientes.cod_paciente = Factura.cod_paciente";
+
+QString orderSql(int order)
+{
+    return QLatin1String(order == 1 ? kPorFecha : order == 2 ? kPorNombre : kPorNumero);
+}
+
+// Rows read when the list is loaded: some screenfuls. Scrolling to the end
+// of them reads four times as many, so that every invoice can be reached.
+constexpr int kFirstRows = 1000;
+// Rows the columns are fitted to: a screenful and some.
+constexpr int kFittedRows = 40;
 
 // Where each order holds the invoice number.
 int numberColumn(int order) { return order == 1 ? 1 : order == 2 ? 3 : 0; }
@@ -48,6 +65,9 @@ Form9::Form9(QWidget* parent) : QWidget(parent, Qt::Window), ui(std::make_unique
     setAttribute(Qt::WA_DeleteOnClose);
     new QShortcut(QKeySequence(Qt::Key_Escape), this, this, &QWidget::close);
     ui->DTPicker1->setDate(QDate::currentDate());
+    // Columns are fitted to the rows in view, not to every row read: each
+    // keystroke refits them.
+    ui->DataGrid1->horizontalHeader()->setResizeContentsPrecision(kFittedRows);
 
     // By date the criterion is the picker's; by name or number it is typed.
     connect(ui->Option1, &QRadioButton::toggled, this, [this](bool on) {
@@ -66,6 +86,17 @@ Form9::Form9(QWidget* parent) : QWidget(parent, Qt::Window), ui(std::make_unique
     connect(ui->Text1, &QLineEdit::textChanged, this, [this] {
         guarded(QStringLiteral("buscar las facturas"), [this] { textChanged(); });
     });
+    // Scrolled to the end of the rows read: more are read once the scrolling
+    // has settled (never from inside a refill of the list).
+    connect(ui->DataGrid1->verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int at) {
+        if (m_refilling || at == 0 || at != ui->DataGrid1->verticalScrollBar()->maximum())
+            return;
+        QTimer::singleShot(0, this, [this] {
+            const QScrollBar* bar = ui->DataGrid1->verticalScrollBar();
+            if (!m_refilling && bar->value() > 0 && bar->value() == bar->maximum())
+                guarded(QStringLiteral("leer más facturas"), [this] { readMore(); });
+        });
+    });
     connect(ui->DataGrid1, &DataGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("mostrar los exámenes de la factura"), [this, row] { showDetail(row); });
     });
@@ -80,9 +111,41 @@ void Form9::aplicarFiltro()
     if (rs.isOpen())
         rs.close();
     const int order = ui->Option1->isChecked() ? 1 : ui->Option2->isChecked() ? 2 : 3;
-    rs.open(QLatin1String(order == 1 ? kPorFecha : order == 2 ? kPorNombre : kPorNumero));
+    m_rowsRead = kFirstRows;
+    rs.open(orderSql(order), {}, m_rowsRead);
     m_order = order;
+    refill();
+}
+
+void Form9::refill()
+{
+    m_refilling = true;
+    ui->DataGrid1->bind(consultas());
+    ui->DataGrid1->scrollToTop();
+    m_refilling = false;
+}
+
+void Form9::readMore()
+{
+    Recordset& rs = consultas();
+    // Everything the list (and its narrowing) holds is already shown.
+    if (m_order == 0 || !rs.isOpen() || ui->DataGrid1->rows() < m_rowsRead)
+        return;
+    QScrollBar* bar = ui->DataGrid1->verticalScrollBar();
+    const int at = bar->value();
+    const int current = ui->DataGrid1->currentRow();
+    const QString filter = rs.filter();
+    m_rowsRead = m_rowsRead > std::numeric_limits<int>::max() / 4 ? std::numeric_limits<int>::max()
+                                                                  : m_rowsRead * 4;
+    rs.close();
+    rs.open(orderSql(m_order), {}, m_rowsRead);
+    if (!filter.isEmpty())
+        rs.setFilter(filter);
+    m_refilling = true;
     ui->DataGrid1->bind(rs);
+    ui->DataGrid1->setCurrentRow(current);
+    bar->setValue(at);
+    m_refilling = false;
 }
 
 void Form9::narrow(const QString& filter)
@@ -91,7 +154,7 @@ void Form9::narrow(const QString& filter)
     if (m_order == 0 || !consultas().isOpen())
         return;
     consultas().setFilter(filter);
-    ui->DataGrid1->bind(consultas());
+    refill();
 }
 
 void Form9::dateChanged()

@@ -22,10 +22,16 @@ protected:
     void dateChanged();
     void textChanged();
     void showDetail(int row);
+    // The list was scrolled to its last row: more of it is read.
+    void readMore();
+    // Shows the rows the list holds now, from the top.
+    void refill();
     // Narrows the list already loaded; no new query.
     void narrow(const QString& filter);
 
 private:
     std::unique_ptr<Ui::Form9> ui;
-    int m_order = 0;   // the option the list was loaded with (1 to 3); 0 before any
+    int m_order = 0;      // the option the list was loaded with (1 to 3); 0 before any
+    int m_rowsRead = 0;   // rows the list reads at most, now
+    bool m_refilling = false;
 };
