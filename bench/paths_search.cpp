@@ -95,11 +95,13 @@ void addSearchPaths(Bench& bench, const Context& c)
                    return rows;
                },
                .floor = [c] { return Stmt(c.bare, sql(kPorFecha, kFirst)).readAll(); },
-               .target = {.ceilingMs = 300.0},
+               // Building the screen's widgets (about 3 ms) is in the path, not in the floor.
+               .target = {.ceilingMs = 300.0, .smallFloorMs = 15.0},
                .note = QStringLiteral("the screen made and \"Aplicar Filtro\" pressed: the first "
                                       "1000 invoices with their patients in the grid, more read "
                                       "as it is scrolled (reading all 200000 bare takes about "
-                                      "1 s)")});
+                                      "1 s); building the widgets allows 15 ms whatever the "
+                                      "floor")});
 
     bench.add({.name = QStringLiteral("invoice search by number, one keystroke (Form9)"),
                .run = [c] {
