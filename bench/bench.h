@@ -111,5 +111,6 @@ void addPatientPaths(Bench& bench, const Context& context);
 void addBillingPaths(Bench& bench, const Context& context);
 void addReportPaths(Bench& bench, const Context& context);
 void addCutPaths(Bench& bench, const Context& context);
+void addSearchPaths(Bench& bench, const Context& context);
 
 }  // namespace bench

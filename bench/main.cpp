@@ -116,6 +116,7 @@ int main(int argc, char** argv)
         bench::addBillingPaths(b, c);
         bench::addReportPaths(b, c);
         bench::addCutPaths(b, c);
+        bench::addSearchPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();

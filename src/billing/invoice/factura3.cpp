@@ -606,8 +606,25 @@ void factura3::quitarorden()
 
 void factura3::imprimir()
 {
+    // The laboratory's usual form comes ticked; the print box may still switch it.
+    Recordset& rs = amb1().rs(QStringLiteral("rstemporal"));
+    if (rs.isOpen())
+        rs.close();
+    rs.open(QStringLiteral("SELECT ticketera FROM datos"));
+    const bool ticketera = rs.recordCount() > 0 && rs.field(QStringLiteral("ticketera")).toBool();
     const std::int32_t n = m_numero;
-    openModal(QStringLiteral("FImpresion"), [n](QWidget* w) { w->setProperty("factura", n); });
+    openModal(QStringLiteral("FImpresion"), [n, ticketera](QWidget* w) {
+        const QString option = ticketera ? QStringLiteral("Option1") : QStringLiteral("Option2");
+        if (auto* form = w->findChild<QAbstractButton*>(option))
+            form->setChecked(true);
+        // This invoice and no other: the number can't be changed or cleared.
+        if (auto* number = w->findChild<QLineEdit*>(QStringLiteral("Text1"))) {
+            number->setText(QString::number(n));
+            number->setEnabled(false);
+        }
+        if (auto* cancel = w->findChild<QAbstractButton*>(QStringLiteral("Command2")))
+            cancel->setEnabled(false);
+    });
 }
 
 void factura3::cancelar()

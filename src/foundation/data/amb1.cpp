@@ -77,6 +77,7 @@ struct Source {
     QString sql;
     QVariantList binds;
     std::shared_ptr<const Shape> shape;   // a hierarchical result
+    int maxRecords = 0;                   // rows read at most; 0 for all
 };
 
 struct Recordset::Data {
@@ -155,9 +156,10 @@ QSqlQuery run(const QString& sql, const QVariantList& binds, bool forwardOnly)
 
 // Reads every row of a select. Null when the statement returns no rows.
 // `names`, when given, names the columns (a narrowed result renames
-// repeated names, the source's own names stand).
+// repeated names, the source's own names stand). `max`, when not 0, stops
+// after that many rows: the store steps no further.
 std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds,
-                               const ColumnIndex* names = nullptr)
+                               const ColumnIndex* names = nullptr, int max = 0)
 {
     QSqlQuery q = run(sql, binds, true);
     if (!q.isSelect())
@@ -169,7 +171,7 @@ std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds,
     for (int i = 0; i < n; ++i)
         t->addColumn(renamed ? names->columns.at(i) : rec.fieldName(i),
                      rec.field(i).metaType().id() == QMetaType::Bool);
-    while (q.next()) {
+    while ((max <= 0 || t->rows.size() < max) && q.next()) {
         QVector<QVariant> row(n);
         for (int i = 0; i < n; ++i)
             row[i] = q.value(i);
@@ -547,9 +549,9 @@ std::shared_ptr<Recordset::Data> fetch(const std::shared_ptr<const Source>& src,
         if (where) {
             const std::shared_ptr<const Described> names = describe(src->sql);
             t = readAll(narrowedSql(src->sql, *where, 0), src->binds + where->binds,
-                        names ? &names->columns : nullptr);
+                        names ? &names->columns : nullptr, src->maxRecords);
         } else {
-            t = readAll(src->sql, src->binds);
+            t = readAll(src->sql, src->binds, nullptr, src->maxRecords);
         }
         if (!t)
             throw DbError(QStringLiteral("La consulta no devuelve filas."), QString(), src->sql);
@@ -576,12 +578,13 @@ void applyFilter(Recordset::Data& data, const QString& filter)
 
 }  // namespace
 
-void Recordset::open(const QString& sql, const QVariantList& binds)
+void Recordset::open(const QString& sql, const QVariantList& binds, int maxRecords)
 {
     auto src = std::make_shared<Source>();
     src->sql = sql;
     src->binds = binds;
-    std::shared_ptr<Table> t = readAll(sql, binds);
+    src->maxRecords = std::max(0, maxRecords);
+    std::shared_ptr<Table> t = readAll(sql, binds, nullptr, src->maxRecords);
     if (!t) {
         // delete, update, insert: nothing to hold.
         close();

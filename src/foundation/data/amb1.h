@@ -56,8 +56,12 @@ public:
     bool isOpen() const { return state() == 1; }
     // Runs `sql` with the bound values (positional '?'). A statement that
     // returns no rows (delete, update) leaves the recordset closed.
+    // `maxRecords`, when not 0, reads at most that many rows, now and when a
+    // filter set later is run in the store (the first rows that pass it; a
+    // filter that can't be run there narrows only the rows read). A list that
+    // shows a screenful at a time reads more as it is scrolled.
     // Throws DbError on failure.
-    void open(const QString& sql, const QVariantList& binds = {});
+    void open(const QString& sql, const QVariantList& binds = {}, int maxRecords = 0);
     // Opens the command's stored source (table, query or shape). Its rows are
     // read when first needed, so that a filter set next is run in the store.
     void open();

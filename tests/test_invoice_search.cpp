@@ -1,0 +1,514 @@
+// Printing an invoice (FImpresion), the invoice search (Form9, Form12), and
+// voiding (Form32, Form31), driven through their controls. What a screen
+// decided to print or show is read from the last report run, and the rows
+// from the shared recordsets and the store.
+#include "testsupport.h"
+
+#include "store_faults.h"
+
+#include "billing/invoice/factura3.h"
+#include "foundation/base/values.h"
+#include "foundation/data/amb1.h"
+#include "foundation/reports/report.h"
+#include "foundation/ui/datagrid.h"
+#include "foundation/ui/registry.h"
+
+#include <QApplication>
+#include <QDateEdit>
+#include <QPointer>
+#include <QRadioButton>
+#include <QScrollBar>
+
+using namespace tq;
+using namespace tq::test;
+
+namespace {
+
+// Invoice 1 without extra, 2 with a discount, 3 voided, 4 of another day
+// for a patient whose name has an apostrophe. Invoice 1 has two lines and
+// three exams waiting on the work table.
+const QDate kDay(2026, 3, 14);
+
+void fillInvoices()
+{
+    const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Química"}).toInt();
+    const int urea = amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, "Urea", 120}).toInt();
+    const int gluc = amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, "Glucosa", 80}).toInt();
+    const int ana = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"Ana", "Paz"}).toInt();
+    const int darcy = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"D'Arcy", "Lanza"}).toInt();
+    const QStringList cols = {"factura", "fecha", "cod_paciente", "sub_total", "total", "Abono",
+                              "adicional", "valadicional", "anulada", "faturado"};
+    amb1().insert("Factura", cols, {1, kDay, ana, "200.00", "200.00", "200.00", QVariant(), ".00", false, "caja"});
+    amb1().insert("Factura", cols, {2, kDay, ana, "120.00", "108.00", "108.00", "Descuento", "12.00", false, "caja"});
+    amb1().insert("Factura", cols, {3, kDay, darcy, "80.00", "80.00", ".00", QVariant(), ".00", true, "caja"});
+    amb1().insert("Factura", cols, {4, kDay.addDays(1), darcy, "80.00", "80.00", "80.00", "", ".00", false, "caja"});
+    const QStringList line = {"factura", "cod_descripcionexamen", "cantidad", "subtotal"};
+    amb1().insert("FacturaDetalle", line, {1, urea, 1, "120.00"});
+    amb1().insert("FacturaDetalle", line, {1, gluc, 1, "80.00"});
+    amb1().insert("FacturaDetalle", line, {2, urea, 1, "120.00"});
+    amb1().insert("FacturaDetalle", line, {3, gluc, 1, "80.00"});
+    amb1().insert("FacturaDetalle", line, {4, gluc, 1, "80.00"});
+    for (const auto& [code, name] : {std::pair{urea, "Urea"}, {gluc, "Glucosa"}, {gluc, "Glucosa"}})
+        amb1().insert("EvaluadoTemporal", {"factura", "cod_descripcionexamen", "examen"}, {1, code, name});
+}
+
+// A stand-in for a report preview, so that the windows the screens keep can
+// be seen and closed.
+class Preview : public QWidget {
+public:
+    explicit Preview(const QString& name) { setObjectName(name); }
+};
+const bool kPreviews = [] {
+    for (const char* name : {"DataReport13", "DataReport15"})
+        ScreenRegistry::instance().add(QString::fromLatin1(name),
+                                       [n = QString::fromLatin1(name)](QWidget*) { return new Preview(n); });
+    return true;
+}();
+
+QWidget* window(const QString& name)
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->objectName() == name && w->isVisible())
+            return w;
+    for (QWidget* w : QApplication::allWidgets())
+        if (w->objectName() == name && w->isWindow() && w->isVisible())
+            return w;
+    return nullptr;
+}
+
+void closeAll()
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        w->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// The last report run asked for, as one comparable line.
+QString lastRun()
+{
+    const ReportRun& r = lastReportRun();
+    QStringList captions;
+    for (auto it = r.captions.cbegin(); it != r.captions.cend(); ++it)
+        captions << it.key() + "=" + it.value();
+    const char* show[] = {"Modeless", "Modal", "Printer"};
+    return QStringLiteral("%1|%2|%3|%4|%5|%6")
+        .arg(r.report, r.command, r.filter)
+        .arg(r.heading)
+        .arg(captions.join(','), QLatin1String(show[int(r.show)]));
+}
+
+// A screen that closed itself is gone once its deferred deletion has run.
+bool closed(const QPointer<QWidget>& w)
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return !w;
+}
+
+void resetLastRun() { runReport({.report = "ninguno", .command = "rsrfact1", .filter = "factura =0"}); }
+
+// The invoice screen with a saved invoice's number, as after its save.
+class SavedInvoice : public factura3 {
+public:
+    explicit SavedInvoice(std::int32_t n) { m_numero = n; }
+    using factura3::imprimir;
+};
+
+bool voided(int n) { return value("SELECT anulada FROM Factura WHERE factura = ?", {n}).toBool(); }
+QList<int> waiting(int n)
+{
+    QList<int> out;
+    Recordset rs;
+    rs.open("SELECT correlativo FROM EvaluadoTemporal WHERE factura = ? ORDER BY correlativo", {n});
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+        out << rs.field("correlativo").toInt();
+    return out;
+}
+
+}  // namespace
+
+class TestInvoiceSearch : public QObject {
+    Q_OBJECT
+private slots:
+    void cleanup() { closeAll(); }
+
+    void printBoxRefusesWhatNamesNoInvoice();
+    void printBoxPrintsTheFormChosenWithTheExtrasCaption();
+    void printBoxShowsAVoidedInvoiceInsteadOfPrintingIt();
+    void invoiceScreenOpensThePrintBoxOnItsInvoice();
+    void searchListsEveryInvoiceInThreeOrders();
+    void searchNarrowsByDateNameAndNumber();
+    void aRowShowsTheInvoicesLines();
+    void aLongListIsReadAsItIsScrolled();
+    void numberBoxShowsTheInvoiceForVoiding();
+    void voidingMarksTheInvoiceAndTakesOneExamOffTheTable();
+    void voidingIsAllOrNothing();
+};
+
+void TestInvoiceSearch::printBoxRefusesWhatNamesNoInvoice()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    resetLastRun();
+    QWidget* w = openScreen("FImpresion");
+    QVERIFY(w);
+    QPointer<QWidget> box(w);
+    const QString before = lastRun();
+    QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
+    for (const char* typed : {"999", "1.5"}) {
+        retype(edit(w, "Text1"), typed);
+        QCOMPARE(press(w, "Command1", sp), QStringList{"el numero de factura no existe verifique el dato"});
+    }
+    // Beyond 32 bits: refused in words, never wrapped onto another invoice.
+    retype(edit(w, "Text1"), "4294967297");
+    const QStringList tooLarge = press(w, "Command1", sp);
+    QCOMPARE(tooLarge.size(), 1);
+    QVERIFY2(tooLarge[0].contains("demasiado grande"), qPrintable(tooLarge[0]));
+    // Only the amount keys pass into the number.
+    retype(edit(w, "Text1"), "a1b2");
+    QCOMPARE(edit(w, "Text1")->text(), QString("12"));
+    QVERIFY(box && box->isVisible());
+    QCOMPARE(lastRun(), before);
+    // "Cancelar" clears the number.
+    QVERIFY(clickNamed(w, "Command2"));
+    QCOMPARE(edit(w, "Text1")->text(), QString());
+}
+
+void TestInvoiceSearch::printBoxPrintsTheFormChosenWithTheExtrasCaption()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    struct Case {
+        const char* number;
+        const char* option;
+        QString run;
+    };
+    const QList<Case> cases = {
+        {"1", "Option1", "DataReport20|rsrfact1|factura =1|20|Etiqueta3=Otros|Printer"},
+        {"2", "Option1", "DataReport20|rsrfact1|factura =2|20|Etiqueta3=Descuento|Printer"},
+        {"2", "Option2", "DataReport1|rsrfact1|factura =2|1|Etiqueta14=Descuento|Printer"},
+        // A blank extra reads "Otros" too.
+        {"4", "Option2", "DataReport1|rsrfact1|factura =4|1|Etiqueta14=Otros|Printer"},
+    };
+    for (const Case& c : cases) {
+        QPointer<QWidget> w = openScreen("FImpresion");
+        tick(control<QRadioButton>(w, c.option));
+        retype(edit(w, "Text1"), c.number);
+        press(w, "Command1", sp);
+        QCOMPARE(lastRun(), c.run);
+        QVERIFY(closed(w));   // the box closes
+    }
+    // The report's recordset holds that invoice with its lines.
+    Recordset& rs = amb1().rs("rsrfact1");
+    QCOMPARE(rs.recordCount(), 1);
+    QCOMPARE(rs.field("factura").toInt(), 4);
+    QCOMPARE(rs.child("Command1").recordCount(), 1);
+    QVERIFY(!window("Form31"));
+}
+
+void TestInvoiceSearch::printBoxShowsAVoidedInvoiceInsteadOfPrintingIt()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    QPointer<QWidget> w = openScreen("FImpresion");
+    retype(edit(w, "Text1"), "3");
+    press(w, "Command1", sp);
+    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
+    QVERIFY(closed(w));
+    QWidget* box = window("Form31");
+    QVERIFY(box);
+    // Looked at, not voided from here.
+    QVERIFY(!control<QWidget>(box, "Command1")->isEnabled());
+    QWidget* copy = window("DataReport15");
+    QVERIFY(copy);
+    QVERIFY(copy->x() > box->x());
+    QVERIFY(voided(3));
+}
+
+void TestInvoiceSearch::invoiceScreenOpensThePrintBoxOnItsInvoice()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    for (const bool ticket : {false, true}) {
+        amb1().execute("UPDATE datos SET ticketera = ?", {ticket});
+        SavedInvoice invoice(2);
+        QStringList seen;
+        sp.onModal("FImpresion", [&](QWidget* box) {
+            seen << (control<QRadioButton>(box, "Option1")->isChecked() ? "Tiket" : "Media Carta");
+            seen << edit(box, "Text1")->text();
+            QVERIFY(!edit(box, "Text1")->isEnabled());
+            QVERIFY(!control<QWidget>(box, "Command2")->isEnabled());
+            // The form is still a choice per print.
+            tick(control<QRadioButton>(box, "Option2"));
+            QVERIFY(clickNamed(box, "Command1"));
+        });
+        invoice.imprimir();
+        QCOMPARE(seen, (QStringList{ticket ? "Tiket" : "Media Carta", "2"}));
+        QCOMPARE(lastRun(), QString("DataReport1|rsrfact1|factura =2|1|Etiqueta14=Descuento|Printer"));
+    }
+}
+
+void TestInvoiceSearch::searchListsEveryInvoiceInThreeOrders()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    QWidget* w = openScreen("Form9");
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    // By date the criterion is the picker's.
+    QVERIFY(!edit(w, "Text1")->isEnabled());
+    QCOMPARE(control<QDateEdit>(w, "DTPicker1")->displayFormat(), QString("dd/MM/yy"));
+    const QList<QPair<const char*, QStringList>> orders = {
+        {"Option1", {"fecha", "factura", "cod_paciente", "nombre_paciente"}},
+        {"Option2", {"nombre_paciente", "apellido_paciente", "fecha", "factura"}},
+        {"Option3", {"factura", "fecha", "cod_paciente", "nombre_paciente"}},
+    };
+    for (const auto& [option, first] : orders) {
+        tick(control<QRadioButton>(w, option));
+        QCOMPARE(edit(w, "Text1")->isEnabled(), QString(option) != "Option1");
+        QVERIFY(press(w, "Command1", sp).isEmpty());
+        QCOMPARE(grid->columnNames().mid(0, 4), first);
+        QCOMPARE(grid->columns(), 8);
+        // Voided invoices are listed like the others.
+        QCOMPARE(grid->rows(), 4);
+        QVERIFY(grid->findRow("factura", 3) >= 0);
+    }
+}
+
+void TestInvoiceSearch::searchNarrowsByDateNameAndNumber()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    QWidget* w = openScreen("Form9");
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    auto numbers = [grid] {
+        QList<int> out;
+        for (int r = 0; r < grid->rows(); ++r)
+            out << grid->value(r, "factura").toInt();
+        std::sort(out.begin(), out.end());
+        return out;
+    };
+    // Typing before the list is loaded narrows nothing.
+    tick(control<QRadioButton>(w, "Option2"));
+    typeKeys(edit(w, "Text1"), "D");
+    QCOMPARE(grid->rows(), 0);
+
+    tick(control<QRadioButton>(w, "Option1"));
+    press(w, "Command1", sp);
+    control<QDateEdit>(w, "DTPicker1")->setDate(kDay.addDays(1));
+    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("fecha =15/03/2026"));
+    QCOMPARE(numbers(), QList<int>{4});
+    control<QDateEdit>(w, "DTPicker1")->setDate(kDay);
+    QCOMPARE(numbers(), (QList<int>{1, 2, 3}));
+
+    tick(control<QRadioButton>(w, "Option2"));
+    press(w, "Command1", sp);
+    retype(edit(w, "Text1"), "d'a");
+    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("nombre_paciente like '*d''a*'"));
+    QCOMPARE(numbers(), (QList<int>{3, 4}));
+    // A blank criterion keeps the list as it was.
+    retype(edit(w, "Text1"), "");
+    QCOMPARE(numbers(), (QList<int>{3, 4}));
+
+    tick(control<QRadioButton>(w, "Option3"));
+    press(w, "Command1", sp);
+    retype(edit(w, "Text1"), "2");
+    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("factura =2"));
+    QCOMPARE(numbers(), QList<int>{2});
+    sp.clear();
+    retype(edit(w, "Text1"), "99999999999");
+    // Refused in words from the first digit too many: the narrowing of the
+    // last number that fits stands, never a number wrapped onto another invoice.
+    QVERIFY(!sp.messages().isEmpty());
+    for (const QString& m : sp.messages())
+        QVERIFY2(m.contains("demasiado grande"), qPrintable(m));
+    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("factura =999999999"));
+}
+
+void TestInvoiceSearch::aRowShowsTheInvoicesLines()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    QWidget* w = openScreen("Form9");
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    // Each order holds the number in another column: the click reads the right one.
+    for (const char* option : {"Option1", "Option2", "Option3"}) {
+        tick(control<QRadioButton>(w, option));
+        press(w, "Command1", sp);
+        QStringList shown;
+        QString filterWhileOpen;
+        sp.onModal("Form12", [&](QWidget* detail) {
+            auto* lines = control<DataGrid>(detail, "DataGrid1");
+            for (int r = 0; r < lines->rows(); ++r)
+                shown << lines->text(r, "examen");
+            filterWhileOpen = amb1().rs("rsDetallefact").filter();
+        });
+        clickRow(grid, grid->findRow("factura", 1));
+        shown.sort();
+        QCOMPARE(shown, (QStringList{"Glucosa", "Urea"}));
+        QCOMPARE(filterWhileOpen, QString("factura =1"));
+        // Closing the detail clears its narrowing.
+        QCOMPARE(amb1().rs("rsDetallefact").filter(), QString());
+    }
+}
+
+void TestInvoiceSearch::aLongListIsReadAsItIsScrolled()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    const int ana = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Ana'").toInt();
+    const int darcy = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'D''Arcy'").toInt();
+    {
+        Transaction t;
+        for (int n = 10; n < 2510; ++n)
+            amb1().insert("Factura", {"factura", "fecha", "cod_paciente", "total"},
+                          {n, kDay, n % 2 ? darcy : ana, "10.00"});
+        t.commit();
+    }
+    QWidget* w = openScreen("Form9");
+    w->resize(800, 400);
+    auto* grid = control<DataGrid>(w, "DataGrid1");
+    // The scroll bar dragged to its end.
+    auto toTheEnd = [grid] {
+        QCoreApplication::processEvents();
+        QScrollBar* bar = grid->verticalScrollBar();
+        QVERIFY(bar->maximum() > 0);
+        bar->setValue(bar->maximum());
+        QCoreApplication::processEvents();
+    };
+    tick(control<QRadioButton>(w, "Option2"));
+    press(w, "Command1", sp);
+    const int first = grid->rows();
+    QVERIFY(first < 2504);
+    toTheEnd();
+    QCOMPARE(grid->rows(), 2504);
+    // Narrowed, the rows beyond the first read are reached the same way,
+    // and the narrowing holds for them.
+    press(w, "Command1", sp);
+    retype(edit(w, "Text1"), "d'a");
+    QCOMPARE(grid->rows(), std::min(first, 1252));
+    toTheEnd();
+    QCOMPARE(grid->rows(), 1252);
+    QCOMPARE(grid->findRow("nombre_paciente", "Ana"), -1);
+    QVERIFY(sp.messages().isEmpty());
+}
+
+void TestInvoiceSearch::numberBoxShowsTheInvoiceForVoiding()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    QPointer<QWidget> w = openScreen("Form32");
+    QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
+    retype(edit(w, "Text1"), "999");
+    QCOMPARE(press(w, "Command1", sp), QStringList{"El numero de Factura no existe"});
+    QVERIFY(w);
+    retype(edit(w, "Text1"), "1");
+    QVERIFY(press(w, "Command1", sp).isEmpty());
+    QCOMPARE(lastRun(), QString("DataReport13|rsrfact1|factura=1|13||Modeless"));
+    QVERIFY(closed(w));
+    QWidget* box = window("Form31");
+    QVERIFY(box);
+    QVERIFY(control<QWidget>(box, "Command1")->isEnabled());
+    QVERIFY(window("DataReport13"));
+    // An invoice already voided comes with its voided copy, and may be voided again.
+    w = openScreen("Form32");
+    retype(edit(w, "Text1"), "3");
+    press(w, "Command1", sp);
+    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
+    // "SALIR" takes the box and its copy away.
+    QVERIFY(clickNamed(box, "Command2"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!window("DataReport13"));
+}
+
+void TestInvoiceSearch::voidingMarksTheInvoiceAndTakesOneExamOffTheTable()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    const QList<int> before = waiting(1);
+    QPointer<QWidget> w = openScreen("Form32");
+    retype(edit(w, "Text1"), "1");
+    press(w, "Command1", sp);
+    QWidget* box = window("Form31");
+    QVERIFY(box);
+
+    // Anything but Yes leaves it alone.
+    QCOMPARE(press(box, "Command1", sp, Answer::No), QStringList{"Esta seguro que desea anular la factura"});
+    QVERIFY(!voided(1));
+    QVERIFY(sp.prompts.size() == 1);
+
+    sp.clear();
+    sp.answers.push_back(Answer::Yes);
+    sp.inputs.push_back(QString("Paciente O'Neil se retiró"));
+    QVERIFY(clickNamed(box, "Command1"));
+    QCOMPARE(sp.prompts.size(), 2);
+    QCOMPARE(sp.prompts[1].kind, Prompt::Input);
+    QCOMPARE(sp.prompts[1].text, QString("Ingrese el motivo de anulacion de la factura"));
+    QCOMPARE(sp.prompts[1].title, QString("Anulacion de factura"));
+    QVERIFY(voided(1));
+    QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(),
+             QString("Paciente O'Neil se retiró"));
+    QCOMPARE(storedDate(value("SELECT fecha_anulacion FROM Factura WHERE factura = 1")), QDate::currentDate());
+    // Three exams waiting: the first leaves, two stay.
+    QCOMPARE(waiting(1), before.mid(1));
+    // The copy on screen is now the voided one, in the same place.
+    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=1|15||Modeless"));
+    QVERIFY(!window("DataReport13"));
+    QVERIFY(window("DataReport15"));
+    // No other invoice was touched.
+    QVERIFY(!voided(2));
+
+    // Voided again with the motive box cancelled: an empty reason, one more exam off.
+    sp.clear();
+    sp.answers.push_back(Answer::Yes);
+    QVERIFY(clickNamed(box, "Command1"));
+    QVERIFY(voided(1));
+    QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(), QString());
+    QCOMPARE(waiting(1), before.mid(2));
+}
+
+void TestInvoiceSearch::voidingIsAllOrNothing()
+{
+    TempStore store;
+    ScriptedPrompts sp;
+    fillInvoices();
+    const QList<int> before = waiting(1);
+    QPointer<QWidget> w = openScreen("Form32");
+    retype(edit(w, "Text1"), "1");
+    press(w, "Command1", sp);
+    QWidget* box = window("Form31");
+    QVERIFY(box);
+    StoreFaults faults;
+    // The invoice row is written, then the store fails on the work table.
+    faults.failAfter(1);
+    sp.clear();
+    sp.answers.push_back(Answer::Yes);
+    sp.inputs.push_back(QString("Error de digitación"));
+    QVERIFY(clickNamed(box, "Command1"));
+    faults.heal();
+    QVERIFY2(sp.lastMessage().startsWith("La factura 1 no se anuló"), qPrintable(sp.lastMessage()));
+    QVERIFY(!voided(1));
+    QVERIFY(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").isNull());
+    QCOMPARE(waiting(1), before);
+    QCOMPARE(amb1().transactionDepth(), 0);
+    // The plain copy stays on screen: nothing was voided.
+    QVERIFY(window("DataReport13"));
+    // Healed, the same press voids it.
+    sp.clear();
+    sp.answers.push_back(Answer::Yes);
+    sp.inputs.push_back(QString("Error de digitación"));
+    QVERIFY(clickNamed(box, "Command1"));
+    QVERIFY(voided(1));
+    QCOMPARE(waiting(1).size(), 2);
+}
+
+QTEST_MAIN(TestInvoiceSearch)
+#include "test_invoice_search.moc"
