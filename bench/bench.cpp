@@ -77,6 +77,8 @@ QString Target::text() const
 {
     if (kind == Kind::StartUp)
         return QStringLiteral("<= %1x bare window").arg(ratio);
+    if (ratio >= 1e9)   // the floor can't hold what the path does: only the ceiling counts
+        return QStringLiteral("<= %1 ms").arg(ceilingMs);
     return QStringLiteral("<= %1 ms, <= %2x floor").arg(ceilingMs).arg(ratio);
 }
 
