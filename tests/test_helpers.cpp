@@ -164,7 +164,10 @@ private slots:
         // What the store hands back: dates, date-times and ISO text.
         QCOMPARE(storedDate(QVariant(QStringLiteral("2026-03-07T08:30:00.000"))), d);
         QCOMPARE(storedDate(QVariant(QDateTime(d, QTime(23, 59)))), d);
-        QVERIFY(!storedDate(QVariant(QStringLiteral("07/03/2026"))).isValid());
+        QCOMPARE(storedDate(QVariant(QStringLiteral("2026-03-07 08:30"))), d);
+        for (const char* bad : {"07/03/2026", "2026-03-07x", "2026-3-07", "2026-03-07T08", "2026-03-07T08:30:0",
+                                "2026-03-07T08:30:00.", "2026-02-30"})
+            QVERIFY2(!storedDate(QVariant(QString::fromLatin1(bad))).isValid(), bad);
     }
 
     void registryOpensByNameOrSaysItCannot()

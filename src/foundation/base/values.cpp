@@ -159,12 +159,40 @@ QDate storedDate(const QVariant& value)
     case QMetaType::QDateTime:
         return value.toDateTime().date();
     case QMetaType::QString: {
-        static const QRegularExpression iso(
-            QStringLiteral("^(\\d{4})-(\\d{2})-(\\d{2})(?:[T ]\\d{2}:\\d{2}(?::\\d{2}(?:\\.\\d+)?)?)?$"));
-        const auto m = iso.match(value.toString());
-        if (!m.hasMatch())
+        // "YYYY-MM-DD", then nothing, or a time "[T ]HH:MM[:SS[.fff]]". Read
+        // by hand: a long list checks one date per row.
+        const QString t = value.toString();
+        auto digits = [&t](int from, int count) {
+            int n = 0;
+            for (int i = from; i < from + count; ++i) {
+                const char16_t c = t.at(i).unicode();
+                if (c < u'0' || c > u'9')
+                    return -1;
+                if (count <= 4)   // a fraction of a second is only checked
+                    n = n * 10 + (c - u'0');
+            }
+            return n;
+        };
+        if (t.size() < 10 || t.at(4) != QLatin1Char('-') || t.at(7) != QLatin1Char('-'))
             return {};
-        return QDate(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt());
+        const int y = digits(0, 4), m = digits(5, 2), d = digits(8, 2);
+        if (y < 0 || m < 0 || d < 0)
+            return {};
+        if (t.size() > 10) {
+            const QChar sep = t.at(10);
+            const bool hm = t.size() >= 16 && (sep == QLatin1Char('T') || sep == QLatin1Char(' '))
+                            && digits(11, 2) >= 0 && t.at(13) == QLatin1Char(':') && digits(14, 2) >= 0;
+            if (!hm)
+                return {};
+            if (t.size() > 16) {
+                const bool secs = t.size() >= 19 && t.at(16) == QLatin1Char(':') && digits(17, 2) >= 0;
+                if (!secs)
+                    return {};
+                if (t.size() > 19 && (t.at(19) != QLatin1Char('.') || t.size() == 20 || digits(20, t.size() - 20) < 0))
+                    return {};
+            }
+        }
+        return QDate(y, m, d);
     }
     default:
         return {};

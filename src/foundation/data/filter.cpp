@@ -16,13 +16,18 @@ namespace tq::detail {
 void ColumnIndex::add(const QString& name)
 {
     const QString key = name.toLower();
-    if (!index.contains(key))
+    if (!index.contains(key)) {
         index.insert(key, columns.size());
+        exact.insert(name, columns.size());   // the same column, found without folding case
+    }
     columns << name;
 }
 
 int ColumnIndex::find(const QString& name) const
 {
+    // Asked for as the store spelled it, which is how rows are walked.
+    if (const auto hit = exact.constFind(name); hit != exact.constEnd())
+        return *hit;
     auto it = index.constFind(name.toLower());
     if (it != index.constEnd())
         return *it;
@@ -335,6 +340,7 @@ private:
         case Token::Text:
             lit.kind = Literal::Text;
             lit.text = v.text;
+            lit.date = parseDate(v.text);   // a quoted date, read once (invalid for other texts)
             break;
         case Token::Date:
         case Token::BareDate:
@@ -462,7 +468,7 @@ bool matches(const Condition& c, const QVector<QVariant>& row, bool yesNoColumn)
 
     const QDate asDate = storedDate(v);
     if (lit.kind == Literal::Date || (asDate.isValid() && lit.kind == Literal::Text)) {
-        const QDate wanted = lit.kind == Literal::Date ? lit.date : parseDate(lit.text);
+        const QDate wanted = lit.date;
         QDate have = asDate;
         if (!have.isValid())
             have = parseDate(v.toString());

@@ -20,6 +20,7 @@ namespace tq::detail {
 struct ColumnIndex {
     QStringList columns;
     QHash<QString, int> index;   // lower-case name -> column
+    QHash<QString, int> exact;   // name as the store gave it -> column (the common case, no folding)
 
     void add(const QString& name);
     int find(const QString& name) const;   // -1 when missing
