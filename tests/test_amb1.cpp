@@ -228,6 +228,20 @@ private slots:
               "fecha < '22/11/2026' or total >= 150", "nombre_paciente like 'álv*'"}},
             {"rsCommand2", {"total = 100.5", "total > 100"}},
             {"rsRepClienteexamen_Grouping", {"Cod_Paciente =" + QString::number(nunez)}},
+            {"rsrepventastarjeta_Grouping", {"fecha >= '21/11/2026' and fecha <= '22/11/2026'"}},
+            {"rsfactanuladas", {"anulada =1 and fecha >= '21/11/2026' and fecha <= '22/11/2026'"}},
+            {"rsRepFacgan", {"anulada=0 and fecha >= '21/11/2026' and fecha <= '22/11/2026'"}},
+            {"rsrcuentas", {"Cod_Seguro =1", "Cod_Seguro =999"}},
+            {"rsrcpagadas", {"Cod_Seguro =1"}},
+            {"rscuentascliente_Grouping", {"Cod_paciente =" + QString::number(nunez)}},
+            {"rsDetallefact", {"factura =1", "factura =8"}},
+            {"rsrfact1", {"factura=1"}},
+            // The invoice search, a slot opened with its own text.
+            {"SELECT Factura.factura, factura.fecha, Factura.cod_paciente, Pacientes.nombre_paciente, "
+             "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
+             "FROM Pacientes CROSS JOIN Factura WHERE Pacientes.cod_paciente = Factura.cod_paciente",
+             {"fecha =22/11/2026", "nombre_paciente like '*lv*'", "nombre_paciente like '*d''a*'",
+              "factura =2", "factura =1.5"}},
             {"rscomision_Grouping",
              {"pagada_doc = 0 and cod_doctor = " + QString::number(soto)
                   + " and fecha >= '22/11/2026' and fecha <= '23/11/2026'",
@@ -235,8 +249,12 @@ private slots:
         };
         auto rowsOf = [](const QString& source, const QString& filter, bool inStore) {
             amb1().setFiltersInStore(inStore);
-            Recordset& rs = amb1().rs(source);
-            rs.open();
+            Recordset own;
+            Recordset& rs = source.startsWith("SELECT") ? own : amb1().rs(source);
+            if (&rs == &own)
+                rs.open(source);
+            else
+                rs.open();
             rs.setFilter(filter);
             const QStringList rows = dump(rs);
             amb1().setFiltersInStore(true);
@@ -245,9 +263,15 @@ private slots:
         int compared = 0;
         for (const auto& [source, filters] : cases) {
             for (const QString& filter : filters) {
-                const QStringList classic = rowsOf(source, filter, false);
-                QVERIFY2(rowsOf(source, filter, true) == classic,
-                         qPrintable(source + ": " + filter));
+                QStringList classic = rowsOf(source, filter, false);
+                QStringList stored = rowsOf(source, filter, true);
+                // A source with no order of its own may come back in another
+                // order once the store narrows it: the same rows is what counts.
+                if (source == QLatin1String("rsRepFacgan")) {
+                    classic.sort();
+                    stored.sort();
+                }
+                QVERIFY2(stored == classic, qPrintable(source + ": " + filter));
                 compared += classic.size();
             }
         }
