@@ -347,6 +347,20 @@ private slots:
         QVERIFY(text.contains("Barrio El Centro telefono: 2233-4455 fax:"));
         QVERIFY(!text.contains("email"));
 
+        // An address longer than its line is printed whole, in a smaller
+        // letter, on the half-letter invoice's narrow heading.
+        amb1().execute("UPDATE datos SET direccion_lab = ?",
+                       {"Colonia Palmira, Avenida República de Chile, frente al Hospital Viera"});
+        ReportRun invoice;
+        invoice.report = "DataReport1";
+        invoice.command = "rsrfact1";
+        invoice.heading = 1;
+        runReport(invoice);
+        text = paper("DataReport1", 1).simplified();
+        QVERIFY2(text.contains("Colonia Palmira, Avenida República de Chile, frente al Hospital Viera "
+                               "telefono: 2233-4455 fax:"), qPrintable(text.left(300)));
+        amb1().execute("UPDATE datos SET direccion_lab = 'Barrio El Centro'");
+
         // A caption set by the caller wins over the heading's.
         text = paper("PruebaCorte", 2, {{"rtn", "RTN en trámite"}});
         QVERIFY(text.contains("RTN en trámite"));

@@ -77,11 +77,12 @@ Band heading(double width, const QString& title, bool withRtn)
         const Box beside{30, 0, width - 60, 8};
         named(QStringLiteral("laboratorio"), QStringLiteral("Nombre del laboratorio"), beside, 14,
               true);
+        // Room for an address of two lines: the line with the phone and fax is long.
         named(QStringLiteral("direccion"), QStringLiteral("Direccion del laboratorio"),
-              Box{beside.x, 9, beside.w, kLine}, 9, false);
+              Box{beside.x, 8.5, beside.w, 2 * kLine}, 9, false);
         if (withRtn)
             named(QStringLiteral("rtn"), QStringLiteral("RTN del laboratorio"),
-                  Box{beside.x, 14.5, beside.w, kLine}, 9, false);
+                  Box{beside.x, 8.5 + 2 * kLine + 0.5, beside.w, kLine}, 9, false);
         y = 24;
     } else {
         // A ticket: everything stacked and centred.

@@ -5,6 +5,8 @@
 // one page, not the report).
 #include "foundation/reports/engine.h"
 
+#include <algorithm>
+
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
@@ -602,14 +604,44 @@ void drawText(QPainter& p, const QFont& font, const QRectF& r, Align align, cons
                             : align == Align::Center ? Qt::AlignHCenter
                                                      : Qt::AlignLeft;
     if (r.height() >= 1.8 * fm.height()) {   // room for more than a line: the text wraps
-        p.drawText(r, int(h | Qt::AlignTop | Qt::TextWordWrap | Qt::TextDontClip), text);
+        const int flags = int(h | Qt::AlignTop | Qt::TextWordWrap | Qt::TextDontClip);
+        // A text that needs more lines than the box holds gets a smaller
+        // letter, down to half the size, rather than running over the next item.
+        QFont fitted = font;
+        for (double scale = 1.0; scale > 0.5; scale -= 0.05) {
+            fitted.setPointSizeF(font.pointSizeF() * scale);
+            const QFontMetricsF m(fitted, p.device());
+            if (m.boundingRect(r, flags, text).height() <= r.height())
+                break;
+        }
+        p.setFont(fitted);
+        p.drawText(r, flags, text);
+        p.setFont(font);
+        return;
+    }
+    double w = fm.horizontalAdvance(text);
+    QString shown = text;
+    if (w > r.width() && w > 0) {
+        // One line that is longer than its box (a long address in the
+        // heading): a smaller letter, down to half the size, rather than a
+        // line cut at the paper's edge; past that, the end is elided.
+        QFont smaller = font;
+        smaller.setPointSizeF(std::max(font.pointSizeF() * 0.5, font.pointSizeF() * r.width() / w * 0.98));
+        p.setFont(smaller);
+        const QFontMetricsF sm(p.font(), p.device());
+        shown = sm.elidedText(text, Qt::ElideRight, r.width());
+        w = sm.horizontalAdvance(shown);
+        double x = align == Align::Right    ? r.right() - w
+                   : align == Align::Center ? r.left() + (r.width() - w) / 2
+                                            : r.left();
+        const double baseline = r.top() + (r.height() - sm.height()) / 2 + sm.ascent();
+        p.drawText(QPointF(x, baseline), shown);
+        p.setFont(font);
         return;
     }
     double x = r.left();
-    if (align != Align::Left) {
-        const double w = fm.horizontalAdvance(text);
+    if (align != Align::Left)
         x = align == Align::Right ? r.right() - w : r.left() + (r.width() - w) / 2;
-    }
     const double baseline = r.top() + (r.height() - fm.height()) / 2 + fm.ascent();
     p.drawText(QPointF(x, baseline), text);
 }
