@@ -5,6 +5,7 @@
 // one page, not the report).
 #include "foundation/reports/engine.h"
 
+#include <QHash>
 #include <algorithm>
 
 #include "foundation/base/apperror.h"
@@ -593,6 +594,46 @@ QString Document::pageText(int page) const
 
 namespace {
 
+// The point size at which `text` fits its box, found once per text, box and
+// letter: a page is painted again at every zoom and every print, and a new
+// size of a letter is costly to draw.
+double fittedSize(const QFont& font, const QRectF& r, int flags, const QString& text,
+                  QPaintDevice* device)
+{
+    static QHash<QString, double> known;
+    const QString key = QStringLiteral("%1|%2|%3|%4|%5")
+                            .arg(font.key())
+                            .arg(qRound(r.width() * 10))
+                            .arg(qRound(r.height() * 10))
+                            .arg(device ? device->logicalDpiY() : 0)
+                            .arg(text);
+    if (const auto it = known.constFind(key); it != known.constEnd())
+        return *it;
+    const double full = font.pointSizeF();
+    auto fits = [&](double size) {
+        QFont f = font;
+        f.setPointSizeF(size);
+        const QFontMetricsF m(f, device);
+        if (flags & Qt::TextWordWrap)
+            return m.boundingRect(r, flags, text).height() <= r.height();
+        return m.horizontalAdvance(text) <= r.width();
+    };
+    double size = full;
+    if (!fits(full)) {
+        // Down to half the size, by halving the interval a few times.
+        double lo = full * 0.5, hi = full;
+        for (int i = 0; i < 6; ++i) {
+            const double mid = (lo + hi) / 2;
+            (fits(mid) ? lo : hi) = mid;
+        }
+        size = lo;
+    }
+    if (known.size() > 2000)
+        known.clear();
+    known.insert(key, size);
+    return size;
+}
+
 void drawText(QPainter& p, const QFont& font, const QRectF& r, Align align, const QString& text)
 {
     if (text.isEmpty())
@@ -603,47 +644,34 @@ void drawText(QPainter& p, const QFont& font, const QRectF& r, Align align, cons
     const Qt::Alignment h = align == Align::Right    ? Qt::AlignRight
                             : align == Align::Center ? Qt::AlignHCenter
                                                      : Qt::AlignLeft;
-    if (r.height() >= 1.8 * fm.height()) {   // room for more than a line: the text wraps
-        const int flags = int(h | Qt::AlignTop | Qt::TextWordWrap | Qt::TextDontClip);
-        // A text that needs more lines than the box holds gets a smaller
-        // letter, down to half the size, rather than running over the next item.
-        QFont fitted = font;
-        for (double scale = 1.0; scale > 0.5; scale -= 0.05) {
-            fitted.setPointSizeF(font.pointSizeF() * scale);
-            const QFontMetricsF m(fitted, p.device());
-            if (m.boundingRect(r, flags, text).height() <= r.height())
-                break;
-        }
-        p.setFont(fitted);
+    const bool wraps = r.height() >= 1.8 * fm.height();   // room for more than a line
+    const int flags = wraps ? int(h | Qt::AlignTop | Qt::TextWordWrap | Qt::TextDontClip) : 0;
+    // A text longer than its box (a long address in the heading) gets a
+    // smaller letter, down to half the size, rather than running off the
+    // paper or over the next item; past that, a single line is elided.
+    const double size = (wraps || fm.horizontalAdvance(text) > r.width())
+                            ? fittedSize(font, r, flags, text, p.device())
+                            : font.pointSizeF();
+    QFont used = font;
+    if (size != font.pointSizeF()) {
+        used.setPointSizeF(size);
+        p.setFont(used);
+    }
+    if (wraps) {
         p.drawText(r, flags, text);
-        p.setFont(font);
-        return;
+    } else {
+        const QFontMetricsF m(p.font(), p.device());
+        const QString shown = m.horizontalAdvance(text) > r.width()
+                                  ? m.elidedText(text, Qt::ElideRight, r.width())
+                                  : text;
+        const double w = m.horizontalAdvance(shown);
+        const double x = align == Align::Right    ? r.right() - w
+                         : align == Align::Center ? r.left() + (r.width() - w) / 2
+                                                  : r.left();
+        p.drawText(QPointF(x, r.top() + (r.height() - m.height()) / 2 + m.ascent()), shown);
     }
-    double w = fm.horizontalAdvance(text);
-    QString shown = text;
-    if (w > r.width() && w > 0) {
-        // One line that is longer than its box (a long address in the
-        // heading): a smaller letter, down to half the size, rather than a
-        // line cut at the paper's edge; past that, the end is elided.
-        QFont smaller = font;
-        smaller.setPointSizeF(std::max(font.pointSizeF() * 0.5, font.pointSizeF() * r.width() / w * 0.98));
-        p.setFont(smaller);
-        const QFontMetricsF sm(p.font(), p.device());
-        shown = sm.elidedText(text, Qt::ElideRight, r.width());
-        w = sm.horizontalAdvance(shown);
-        double x = align == Align::Right    ? r.right() - w
-                   : align == Align::Center ? r.left() + (r.width() - w) / 2
-                                            : r.left();
-        const double baseline = r.top() + (r.height() - sm.height()) / 2 + sm.ascent();
-        p.drawText(QPointF(x, baseline), shown);
+    if (size != font.pointSizeF())
         p.setFont(font);
-        return;
-    }
-    double x = r.left();
-    if (align != Align::Left)
-        x = align == Align::Right ? r.right() - w : r.left() + (r.width() - w) / 2;
-    const double baseline = r.top() + (r.height() - fm.height()) / 2 + fm.ascent();
-    p.drawText(QPointF(x, baseline), text);
 }
 
 }  // namespace
