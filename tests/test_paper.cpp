@@ -7,7 +7,6 @@
 #include "pdftext.h"
 #include "testsupport.h"
 
-#include "foundation/base/appstate.h"
 #include "foundation/data/amb1.h"
 #include "foundation/reports/ReportPreview.h"
 #include "foundation/reports/report.h"
