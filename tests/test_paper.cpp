@@ -300,7 +300,8 @@ void TestPaper::headingOfTheLaboratory()
     QVERIFY(runReport(run));
     text = savedFromPreview("ReporComision", *sp, temp->folder());
     QVERIFY2(text.contains(kLab), qPrintable(text));
-    QCOMPARE(lineWith(text, "telefono:"), address + " email: " + kMail);
+    // The longer line of 26 wraps within its two lines.
+    QVERIFY2(text.simplified().contains(address + " email: " + kMail), qPrintable(text));
     QCOMPARE(lineWith(text, kRtn), "RTN: " + kRtn);
     QCOMPARE(lineWith(text, "TOTAL COMISION:"), QString("TOTAL COMISION: 30.00"));
 
@@ -312,8 +313,6 @@ void TestPaper::headingOfTheLaboratory()
     amb1().execute("UPDATE datos SET direccion_lab = ?", {longAddress});
     QVERIFY(runReport(run));
     text = savedFromPreview("ReporComision", *sp, temp->folder());
-    QEXPECT_FAIL("", "a heading line wider than its one-line box runs off both edges of the paper",
-                 Continue);
     QVERIFY2(text.simplified().contains(longAddress + " telefono: " + kPhone + " fax: " + kFax
                                         + " email: " + kMail),
              qPrintable(text));
@@ -487,7 +486,6 @@ void TestPaper::invoicePrintedWithItsExtra()
         text = print(3, option);
         QVERIFY2(text.contains("Anticuerpos"), qPrintable(text));
         const QStringList over = overprintedOn(sp->printed.last());
-        QEXPECT_FAIL("", "a field wider than its column prints over the next column", Continue);
         QVERIFY2(over.isEmpty(), qPrintable(option + QString(": ") + over.join(", ")));
     }
 
@@ -509,8 +507,6 @@ void TestPaper::invoicePrintedWithItsExtra()
             && (word.left < logoRight || word.right > width - margin))
             clashing << word.text;
     QVERIFY(sp->printed.last().contains("/Subtype /Image"));   // the logo is on it
-    QEXPECT_FAIL("", "the half-letter heading's address line is wider than its box and prints "
-                     "over the logo", Continue);
     QVERIFY2(clashing.isEmpty(), qPrintable(clashing.join(' ')));
     QVERIFY(sp->messages().isEmpty());
 }
