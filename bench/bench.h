@@ -3,6 +3,8 @@
 // beside it its floor: the same SQL run bare through SQLite's C API on the
 // same store. A path is a name, the two pieces of work and a target; each
 // area of the program adds its paths in a few lines (paths_*.cpp).
+#include "foundation/data/amb1.h"
+
 #include <QDate>
 #include <QString>
 #include <QStringList>
@@ -103,6 +105,9 @@ qint64 timeToWindow(const QString& program, const QStringList& arguments);
 // children ("Command1"), narrowed by a condition with bound values: the SQL a
 // floor runs for a filtered source.
 QString narrowedSource(const QString& command, const QString& child, const QString& condition);
+
+// A report source as the screens open it: closed if open, opened, filtered.
+tq::Recordset& openFiltered(const QString& command, const QString& filter);
 
 // The areas of the program, each adding its paths.
 void addFoundationPaths(Bench& bench, const Context& context);

@@ -11,16 +11,6 @@ namespace bench {
 
 namespace {
 
-tq::Recordset& openFiltered(const QString& command, const QString& filter)
-{
-    tq::Recordset& rs = tq::amb1().rs(command);
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(filter);
-    return rs;
-}
-
 // Reads every field of every row, as a report lays them out. Group rows
 // count nothing of their own (the floor reads the rows below them); parent
 // rows of a relation count one each, as the floor reads them too.

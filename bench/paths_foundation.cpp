@@ -25,17 +25,6 @@ public:
     }
 };
 
-// A report source as the screens open it before showing its report: closed
-// if open, opened, narrowed by the screen's filter.
-tq::Recordset& openFiltered(const QString& command, const QString& filter)
-{
-    tq::Recordset& rs = tq::amb1().rs(command);
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(filter);
-    return rs;
-}
 
 // Reads a row's fields as a print-out does.
 void readFields(const tq::Recordset& rs, const QStringList& names)
@@ -164,6 +153,18 @@ void addFoundationPaths(Bench& bench, const Context& c)
                    return seen;
                },
                .floor = [c, daySql] { return Stmt(c.bare, daySql).readAll(c.cutDay); }});
+}
+
+// A report source as the screens open it before showing its report: closed
+// if open, opened, narrowed by the screen's filter.
+tq::Recordset& openFiltered(const QString& command, const QString& filter)
+{
+    tq::Recordset& rs = tq::amb1().rs(command);
+    if (rs.isOpen())
+        rs.close();
+    rs.open();
+    rs.setFilter(filter);
+    return rs;
 }
 
 }  // namespace bench

@@ -15,16 +15,6 @@ namespace bench {
 
 namespace {
 
-tq::Recordset& openFiltered(const QString& command, const QString& filter)
-{
-    tq::Recordset& rs = tq::amb1().rs(command);
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(filter);
-    return rs;
-}
-
 QString dmy(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yyyy")); }
 
 Target within(double ms)
