@@ -65,16 +65,6 @@ const bool kPreviews = [] {
     return true;
 }();
 
-QWidget* window(const QString& name)
-{
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->objectName() == name && w->isVisible())
-            return w;
-    for (QWidget* w : QApplication::allWidgets())
-        if (w->objectName() == name && w->isWindow() && w->isVisible())
-            return w;
-    return nullptr;
-}
 
 void closeAll()
 {
@@ -204,7 +194,7 @@ void TestInvoiceSearch::printBoxPrintsTheFormChosenWithTheExtrasCaption()
     QCOMPARE(rs.recordCount(), 1);
     QCOMPARE(rs.field("factura").toInt(), 4);
     QCOMPARE(rs.child("Command1").recordCount(), 1);
-    QVERIFY(!window("Form31"));
+    QVERIFY(!visibleWindow("Form31"));
 }
 
 void TestInvoiceSearch::printBoxShowsAVoidedInvoiceInsteadOfPrintingIt()
@@ -217,11 +207,11 @@ void TestInvoiceSearch::printBoxShowsAVoidedInvoiceInsteadOfPrintingIt()
     press(w, "Command1", sp);
     QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
     QVERIFY(closed(w));
-    QWidget* box = window("Form31");
+    QWidget* box = visibleWindow("Form31");
     QVERIFY(box);
     // Looked at, not voided from here.
     QVERIFY(!control<QWidget>(box, "Command1")->isEnabled());
-    QWidget* copy = window("DataReport15");
+    QWidget* copy = visibleWindow("DataReport15");
     QVERIFY(copy);
     QVERIFY(copy->x() > box->x());
     QVERIFY(voided(3));
@@ -413,10 +403,10 @@ void TestInvoiceSearch::numberBoxShowsTheInvoiceForVoiding()
     QVERIFY(press(w, "Command1", sp).isEmpty());
     QCOMPARE(lastRun(), QString("DataReport13|rsrfact1|factura=1|13||Modeless"));
     QVERIFY(closed(w));
-    QWidget* box = window("Form31");
+    QWidget* box = visibleWindow("Form31");
     QVERIFY(box);
     QVERIFY(control<QWidget>(box, "Command1")->isEnabled());
-    QVERIFY(window("DataReport13"));
+    QVERIFY(visibleWindow("DataReport13"));
     // An invoice already voided comes with its voided copy, and may be voided again.
     w = openScreen("Form32");
     retype(edit(w, "Text1"), "3");
@@ -425,7 +415,7 @@ void TestInvoiceSearch::numberBoxShowsTheInvoiceForVoiding()
     // "SALIR" takes the box and its copy away.
     QVERIFY(clickNamed(box, "Command2"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!window("DataReport13"));
+    QVERIFY(!visibleWindow("DataReport13"));
 }
 
 void TestInvoiceSearch::voidingMarksTheInvoiceAndTakesOneExamOffTheTable()
@@ -437,7 +427,7 @@ void TestInvoiceSearch::voidingMarksTheInvoiceAndTakesOneExamOffTheTable()
     QPointer<QWidget> w = openScreen("Form32");
     retype(edit(w, "Text1"), "1");
     press(w, "Command1", sp);
-    QWidget* box = window("Form31");
+    QWidget* box = visibleWindow("Form31");
     QVERIFY(box);
 
     // Anything but Yes leaves it alone.
@@ -461,8 +451,8 @@ void TestInvoiceSearch::voidingMarksTheInvoiceAndTakesOneExamOffTheTable()
     QCOMPARE(waiting(1), before.mid(1));
     // The copy on screen is now the voided one, in the same place.
     QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=1|15||Modeless"));
-    QVERIFY(!window("DataReport13"));
-    QVERIFY(window("DataReport15"));
+    QVERIFY(!visibleWindow("DataReport13"));
+    QVERIFY(visibleWindow("DataReport15"));
     // No other invoice was touched.
     QVERIFY(!voided(2));
 
@@ -484,7 +474,7 @@ void TestInvoiceSearch::voidingIsAllOrNothing()
     QPointer<QWidget> w = openScreen("Form32");
     retype(edit(w, "Text1"), "1");
     press(w, "Command1", sp);
-    QWidget* box = window("Form31");
+    QWidget* box = visibleWindow("Form31");
     QVERIFY(box);
     StoreFaults faults;
     // The invoice row is written, then the store fails on the work table.
@@ -500,7 +490,7 @@ void TestInvoiceSearch::voidingIsAllOrNothing()
     QCOMPARE(waiting(1), before);
     QCOMPARE(amb1().transactionDepth(), 0);
     // The plain copy stays on screen: nothing was voided.
-    QVERIFY(window("DataReport13"));
+    QVERIFY(visibleWindow("DataReport13"));
     // Healed, the same press voids it.
     sp.clear();
     sp.answers.push_back(Answer::Yes);

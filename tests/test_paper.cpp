@@ -210,13 +210,6 @@ QString onPaper(const QString& report, int heading, const QString& folder)
     return asRead(pdfText(file));
 }
 
-QWidget* visibleWindow(const QString& name)
-{
-    for (QWidget* w : QApplication::allWidgets())
-        if (w->objectName() == name && w->isWindow() && w->isVisible())
-            return w;
-    return nullptr;
-}
 
 // Every screen and preview closed; the main window, when open, stays.
 void closeAll()

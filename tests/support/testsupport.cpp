@@ -298,4 +298,12 @@ void tick(QAbstractButton* option)
     QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(6, option->height() / 2));
 }
 
+QWidget* visibleWindow(const QString& name)
+{
+    for (QWidget* w : QApplication::allWidgets())
+        if (w->objectName() == name && w->isWindow() && w->isVisible())
+            return w;
+    return nullptr;
+}
+
 }  // namespace tq::test

@@ -105,6 +105,8 @@ bool clickNamed(QObject* root, const QString& name);
 // messages it showed ("<name disabled>" when the button could not be clicked).
 QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
                   std::optional<Answer> answer = {});
+// The visible window of that name (a screen shown on its own, a preview), or nullptr.
+QWidget* visibleWindow(const QString& name);
 // Creates a screen through the registry, shows it and waits until exposed.
 QWidget* openScreen(const QString& name);
 
