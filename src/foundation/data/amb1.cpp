@@ -1073,10 +1073,14 @@ void Amb1::begin()
 {
     QSqlDatabase db = currentDb();
     if (p->depth == 0) {
-        if (!db.transaction())
+        // A save takes the store for writing at once: two programs on one
+        // store then wait for each other (the busy timeout) instead of both
+        // reading a free number and one failing when it writes it.
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("BEGIN IMMEDIATE")))
             throw DbError(QStringLiteral("No se pudo iniciar la transacción. %1")
-                              .arg(storeFailure(db.lastError())),
-                          db.lastError().text());
+                              .arg(storeFailure(q.lastError())),
+                          q.lastError().text());
     } else {
         const QString sql = QStringLiteral("SAVEPOINT tq_sp%1").arg(p->depth);
         QSqlQuery q(db);

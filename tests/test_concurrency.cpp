@@ -1,0 +1,64 @@
+// Several workstations on one store: four programs save invoices at the same
+// time, each proposing numbers as the invoice screen does. Every invoice
+// stands whole, under a number of its own.
+#include "testsupport.h"
+
+#include "foundation/data/amb1.h"
+
+#include <QProcess>
+
+using namespace tq;
+using namespace tq::test;
+
+class TestConcurrency : public QObject {
+    Q_OBJECT
+
+private slots:
+    void fourStationsSaveAtOnce()
+    {
+        TempStore store;
+        const int patient = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"},
+                                          {"Ana", "Paz"}).toInt();
+        const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Química"}).toInt();
+        for (const char* exam : {"Urea", "Glucosa"})
+            amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, exam, 10});
+        QCOMPARE(patient, 1);
+        QCOMPARE(value("SELECT MAX(cod_descripcionexamen) FROM Examenes").toInt(), 2);
+
+        constexpr int kStations = 4, kEach = 60;
+        QList<QProcess*> stations;
+        for (int i = 1; i <= kStations; ++i) {
+            auto* p = new QProcess(this);
+            p->start(QStringLiteral(TQ_SAVER),
+                     {store.dbPath(), QString::number(kEach), QStringLiteral("estacion %1").arg(i)});
+            stations << p;
+        }
+        int renumbered = 0;
+        for (QProcess* p : stations) {
+            QVERIFY(p->waitForFinished(120000));
+            QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0,
+                     p->readAllStandardError().constData());
+            renumbered += p->readAllStandardOutput().trimmed().toInt();
+        }
+        qInfo("%d invoices saved by %d stations at once, %d of them under the next free number",
+              kStations * kEach, kStations, renumbered);
+
+        const int total = kStations * kEach;
+        QCOMPARE(rowsIn("Factura"), total);
+        QCOMPARE(count("SELECT COUNT(DISTINCT factura) FROM Factura"), total);
+        QCOMPARE(value("SELECT MAX(factura) FROM Factura").toInt(), total);   // no number skipped
+        QCOMPARE(count("SELECT COUNT(*) FROM (SELECT faturado FROM Factura GROUP BY faturado "
+                       "HAVING COUNT(*) = ?)", {kEach}),
+                 kStations);
+        // Each whole: its two lines and its three waiting exams.
+        QCOMPARE(count("SELECT COUNT(*) FROM Factura f WHERE (SELECT COUNT(*) FROM FacturaDetalle d "
+                       "WHERE d.factura = f.factura) <> 2 OR (SELECT COUNT(*) FROM EvaluadoTemporal e "
+                       "WHERE e.factura = f.factura) <> 3"),
+                 0);
+        QCOMPARE(rowsIn("FacturaDetalle"), 2 * total);
+        QCOMPARE(rowsIn("EvaluadoTemporal"), 3 * total);
+    }
+};
+
+QTEST_MAIN(TestConcurrency)
+#include "test_concurrency.moc"
