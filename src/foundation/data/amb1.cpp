@@ -944,6 +944,11 @@ void Amb1::openStore(const QString& path)
                 check.finish();
                 // Deletion rules live in the screens; the store enforces no keys.
                 check.exec(QStringLiteral("PRAGMA foreign_keys = OFF"));
+                // Readers don't wait for a writer, nor a writer for readers:
+                // several programs on one machine share the store. A store on
+                // a medium that can't keep the write-ahead log stays as it is.
+                check.exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+                check.finish();
             }
         }
         if (failure.isEmpty())
