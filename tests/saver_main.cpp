@@ -1,6 +1,7 @@
 // A workstation that only saves invoices: the program the concurrency test
 // starts several times against one store. Arguments: the store, how many
-// invoices, the station's name. Prints how many invoices were renumbered.
+// invoices, the station's name. Prints "abierta" once the store is open,
+// then how many invoices were renumbered.
 #include "billing/invoice/invoicesave.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
@@ -18,6 +19,8 @@ int main(int argc, char** argv)
         return 2;
     try {
         tq::amb1().openStore(args.at(1));
+        std::printf("abierta\n");   // the store is open: the saves begin
+        std::fflush(stdout);
         const int count = args.at(2).toInt();
         int renumbered = 0;
         for (int i = 0; i < count; ++i) {

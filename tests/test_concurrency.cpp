@@ -6,6 +6,7 @@
 #include "foundation/data/amb1.h"
 
 #include <QProcess>
+#include <QTest>
 
 using namespace tq;
 using namespace tq::test;
@@ -40,7 +41,7 @@ private slots:
             QVERIFY(p->waitForFinished(120000));
             QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0,
                      p->readAllStandardError().constData());
-            renumbered += p->readAllStandardOutput().trimmed().toInt();
+            renumbered += p->readAllStandardOutput().trimmed().split('\n').last().toInt();
         }
         qInfo("%d invoices saved by %d stations at once, %d of them under the next free number",
               kStations * kEach, kStations, renumbered);
@@ -59,6 +60,43 @@ private slots:
                  0);
         QCOMPARE(rowsIn("FacturaDetalle"), 2 * total);
         QCOMPARE(rowsIn("EvaluadoTemporal"), 3 * total);
+    }
+
+    // A station killed in the middle of its saves (kill -9: no clean-up of
+    // any kind) leaves a store that opens, with every invoice whole.
+    void killedInTheMiddleOfSaving()
+    {
+        TempStore store;
+        const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Química"}).toInt();
+        amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"Ana", "Paz"});
+        for (const char* exam : {"Urea", "Glucosa"})
+            amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, exam, 10});
+        const QString path = store.dbPath();
+        amb1().closeStore();
+
+        constexpr int kKills = 10;
+        for (int k = 0; k < kKills; ++k) {
+            QProcess p;
+            p.start(QStringLiteral(TQ_SAVER), {path, QStringLiteral("100000"), QStringLiteral("caja")});
+            QVERIFY(p.waitForReadyRead(30000));   // the store is open
+            QTest::qWait(5 + 17 * k);            // somewhere in the middle of a save
+            p.kill();                   // SIGKILL
+            QVERIFY(p.waitForFinished());
+        }
+        amb1().openStore(path);
+        const int saved = rowsIn("Factura");
+        qInfo("%d kills survived; %d invoices stand", kKills, saved);
+        QVERIFY(saved > 0);
+        QCOMPARE(value("PRAGMA integrity_check").toString(), QString("ok"));
+        QCOMPARE(count("SELECT COUNT(*) FROM Factura f WHERE (SELECT COUNT(*) FROM FacturaDetalle d "
+                       "WHERE d.factura = f.factura) <> 2 OR (SELECT COUNT(*) FROM EvaluadoTemporal e "
+                       "WHERE e.factura = f.factura) <> 3"),
+                 0);
+        for (const char* table : {"FacturaDetalle", "EvaluadoTemporal"})
+            QCOMPARE(count(QStringLiteral("SELECT COUNT(*) FROM %1 t WHERE NOT EXISTS (SELECT 1 FROM "
+                                          "Factura f WHERE f.factura = t.factura)")
+                               .arg(QLatin1String(table))),
+                     0);
     }
 };
 
