@@ -119,11 +119,11 @@ struct Document::Plan {
     const Band* band = nullptr;
     int level = -1;   // the level whose rows it repeats with; -1 the report's own
     std::vector<ItemPlan> items;
-    std::vector<int> specs;   // its totals, in item order
+    std::vector<int> sums;   // its totals, in item order
     bool keepWithNext = false;
 };
 
-struct Document::TotalSpec {
+struct Document::TotalRule {
     int owner = -1;    // the level whose rows reset it; -1 never (the whole report)
     int target = 0;    // the level whose rows it adds up
     int slot = -1;     // the column, in the target's snapshot
@@ -193,8 +193,8 @@ void Document::plan()
     const int levels = int(l.levels.size());
     const int detail = levels - 1;
     m_levels.resize(levels);
-    m_specsOwned.resize(levels);
-    m_specsTarget.resize(levels);
+    m_sumsOwned.resize(levels);
+    m_sumsTarget.resize(levels);
     m_headerPlan.assign(levels, -1);
     m_footerPlan.assign(levels, -1);
 
@@ -232,16 +232,16 @@ void Document::plan()
             } else if (it.kind == Item::Kind::Total && levels > 0) {
                 const int target = it.level ? levelNamed(l, *it.level) : detail;
                 if (target >= 0) {
-                    TotalSpec s;
+                    TotalRule s;
                     s.owner = level;
                     s.target = target;
                     s.count = it.countRows;
                     s.money = it.format == Format::Money;
                     if (!s.count)
                         s.slot = m_levels[target].slotOf(it.text);
-                    ip.total = int(p.specs.size());
-                    p.specs.push_back(int(m_specs.size()));
-                    m_specs.push_back(s);
+                    ip.total = int(p.sums.size());
+                    p.sums.push_back(int(m_sums.size()));
+                    m_sums.push_back(s);
                 }
             }
             p.items.push_back(std::move(ip));
@@ -260,12 +260,12 @@ void Document::plan()
     m_pageFooter = addPlan(l.pageFooter, -1);
     m_reportFooter = addPlan(l.reportFooter, -1);
 
-    for (int s = 0; s < int(m_specs.size()); ++s) {
-        if (m_specs[s].owner >= 0)
-            m_specsOwned[m_specs[s].owner].push_back(s);
-        m_specsTarget[m_specs[s].target].push_back(s);
+    for (int s = 0; s < int(m_sums.size()); ++s) {
+        if (m_sums[s].owner >= 0)
+            m_sumsOwned[m_sums[s].owner].push_back(s);
+        m_sumsTarget[m_sums[s].target].push_back(s);
     }
-    m_acc.assign(m_specs.size(), 0.0);
+    m_acc.assign(m_sums.size(), 0.0);
 
     const QSizeF size = l.page.size(QPageSize::Millimeter);
     m_pageMm = l.orientation == QPageLayout::Landscape ? size.transposed() : size;
@@ -278,9 +278,9 @@ int Document::addInstance(int plan, int level, int row)
     inst.plan = plan;
     inst.level = level;
     inst.row = row;
-    if (!p.specs.empty()) {
+    if (!p.sums.empty()) {
         inst.totals = int(m_totals.size());
-        m_totals.resize(m_totals.size() + p.specs.size(), 0.0);
+        m_totals.resize(m_totals.size() + p.sums.size(), 0.0);
     }
     m_body.push_back(inst);
     return int(m_body.size()) - 1;
@@ -344,15 +344,15 @@ void Document::walk(const Recordset& from, int level, int parentRow)
             const int col = L.sourceColumn.at(c);
             L.values.append(col >= 0 ? rs.valueAt(i, col) : QVariant());
         }
-        for (const int s : m_specsOwned[level])
+        for (const int s : m_sumsOwned[level])
             m_acc[s] = 0;
-        for (const int s : m_specsTarget[level]) {
-            const TotalSpec& spec = m_specs[s];
-            if (spec.count) {
+        for (const int s : m_sumsTarget[level]) {
+            const TotalRule& rule = m_sums[s];
+            if (rule.count) {
                 m_acc[s] += 1;
             } else {
-                const double v = number(L.values.at(qsizetype(row) * width + spec.slot));
-                m_acc[s] += spec.money ? std::round(v * 100) / 100 : v;
+                const double v = number(L.values.at(qsizetype(row) * width + rule.slot));
+                m_acc[s] += rule.money ? std::round(v * 100) / 100 : v;
             }
         }
         const int h = header.band->height > 0 || m_layout->levels.at(level).pageBreakBefore
@@ -369,8 +369,8 @@ void Document::walk(const Recordset& from, int level, int parentRow)
             if (at < 0 || m_body[at].totals < 0)
                 continue;
             const Plan& p = m_plans[m_body[at].plan];
-            for (size_t t = 0; t < p.specs.size(); ++t)
-                m_totals[m_body[at].totals + t] = m_acc[p.specs[t]];
+            for (size_t t = 0; t < p.sums.size(); ++t)
+                m_totals[m_body[at].totals + t] = m_acc[p.sums[t]];
         }
     }
 }
@@ -389,9 +389,9 @@ void Document::paginate()
         inst.plan = plan;
         inst.level = row >= 0 ? 0 : -1;
         inst.row = row;
-        if (!m_plans[plan].specs.empty()) {
+        if (!m_plans[plan].sums.empty()) {
             inst.totals = int(m_totals.size());
-            for (const int s : m_plans[plan].specs)
+            for (const int s : m_plans[plan].sums)
                 m_totals.push_back(m_acc[s]);
         }
         return inst;

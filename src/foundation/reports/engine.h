@@ -117,10 +117,10 @@ private:
     int m_encabezado = -1, m_pageHeader = -1, m_pageFooter = -1, m_reportFooter = -1;
     std::vector<int> m_headerPlan, m_footerPlan;   // per level
     std::vector<LevelRows> m_levels;
-    struct TotalSpec;
-    std::vector<TotalSpec> m_specs;
-    std::vector<std::vector<int>> m_specsOwned;    // per level: specs reset at each row
-    std::vector<std::vector<int>> m_specsTarget;   // per level: specs its rows add to
+    struct TotalRule;
+    std::vector<TotalRule> m_sums;
+    std::vector<std::vector<int>> m_sumsOwned;    // per level: sums reset at each row
+    std::vector<std::vector<int>> m_sumsTarget;   // per level: sums its rows add to
     std::vector<double> m_acc;
     std::vector<double> m_totals;
     std::vector<Instance> m_body;     // in print order
