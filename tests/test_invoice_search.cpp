@@ -122,8 +122,6 @@ private slots:
     void cleanup() { closeAll(); }
 
     void printBoxRefusesWhatNamesNoInvoice();
-    void printBoxPrintsTheFormChosenWithTheExtrasCaption();
-    void printBoxShowsAVoidedInvoiceInsteadOfPrintingIt();
     void invoiceScreenOpensThePrintBoxOnItsInvoice();
     void searchListsEveryInvoiceInThreeOrders();
     void searchNarrowsByDateNameAndNumber();
@@ -162,59 +160,6 @@ void TestInvoiceSearch::printBoxRefusesWhatNamesNoInvoice()
     // "Cancelar" clears the number.
     QVERIFY(clickNamed(w, "Command2"));
     QCOMPARE(edit(w, "Text1")->text(), QString());
-}
-
-void TestInvoiceSearch::printBoxPrintsTheFormChosenWithTheExtrasCaption()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    struct Case {
-        const char* number;
-        const char* option;
-        QString run;
-    };
-    const QList<Case> cases = {
-        {"1", "Option1", "DataReport20|rsrfact1|factura =1|20|Etiqueta3=Otros|Printer"},
-        {"2", "Option1", "DataReport20|rsrfact1|factura =2|20|Etiqueta3=Descuento|Printer"},
-        {"2", "Option2", "DataReport1|rsrfact1|factura =2|1|Etiqueta14=Descuento|Printer"},
-        // A blank extra reads "Otros" too.
-        {"4", "Option2", "DataReport1|rsrfact1|factura =4|1|Etiqueta14=Otros|Printer"},
-    };
-    for (const Case& c : cases) {
-        QPointer<QWidget> w = openScreen("FImpresion");
-        tick(control<QRadioButton>(w, c.option));
-        retype(edit(w, "Text1"), c.number);
-        press(w, "Command1", sp);
-        QCOMPARE(lastRun(), c.run);
-        QVERIFY(closed(w));   // the box closes
-    }
-    // The report's recordset holds that invoice with its lines.
-    Recordset& rs = amb1().rs("rsrfact1");
-    QCOMPARE(rs.recordCount(), 1);
-    QCOMPARE(rs.field("factura").toInt(), 4);
-    QCOMPARE(rs.child("Command1").recordCount(), 1);
-    QVERIFY(!visibleWindow("Form31"));
-}
-
-void TestInvoiceSearch::printBoxShowsAVoidedInvoiceInsteadOfPrintingIt()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    QPointer<QWidget> w = openScreen("FImpresion");
-    retype(edit(w, "Text1"), "3");
-    press(w, "Command1", sp);
-    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
-    QVERIFY(closed(w));
-    QWidget* box = visibleWindow("Form31");
-    QVERIFY(box);
-    // Looked at, not voided from here.
-    QVERIFY(!control<QWidget>(box, "Command1")->isEnabled());
-    QWidget* copy = visibleWindow("DataReport15");
-    QVERIFY(copy);
-    QVERIFY(copy->x() > box->x());
-    QVERIFY(voided(3));
 }
 
 void TestInvoiceSearch::invoiceScreenOpensThePrintBoxOnItsInvoice()

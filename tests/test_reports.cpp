@@ -284,39 +284,6 @@ private slots:
         temp.reset();
     }
 
-    // The cut of two days: voided invoices left out by the filter, each day's
-    // totals and the report's total adding up, the laboratory's heading.
-    void cutAddsUp()
-    {
-        s->invoice(kDay, s->maria, {{s->hemograma, 1}});                      // 150.00
-        s->invoice(kDay, s->oneil, {{s->glucosa, 2}});                        // 161.00
-        s->invoice(kDay, s->oneil, {{s->tiroides, 1}}, true);                 // voided
-        s->invoice(kDay.addDays(1), s->maria, {{s->glucosa, 1}});             // 80.50
-        s->invoice(kDay.addDays(2), s->maria, {{s->hemograma, 3}});           // another day
-
-        QWidget* w = runReport(cut(between(kDay, kDay.addDays(1))));
-        QVERIFY(w);
-        QCOMPARE(w->objectName(), QString("PruebaCorte"));
-        QCOMPARE(w->windowTitle(), QString("Corte de Prueba"));
-        const QString text = paper("PruebaCorte", 2);
-
-        QVERIFY2(text.contains("Laboratorio Santa Lucía"), qPrintable(text));
-        QVERIFY(text.contains("Barrio El Centro telefono: 2233-4455 fax: 2233-4456"));
-        QVERIFY(text.contains("08011999123456"));
-        QVERIFY(!text.contains("NOMBRE DEL LABORATORIO"));
-        QVERIFY(text.contains("Patrick O'Neil"));
-        QVERIFY(!text.contains("500.00"));   // the voided invoice
-        QVERIFY(!text.contains("450.00"));   // the third day
-        QVERIFY(text.contains(d(kDay)) && text.contains(d(kDay.addDays(1))));
-        const QStringList totals = text.split('\n').filter("TOTALES");
-        QCOMPARE(totals.size(), 2);
-        QCOMPARE(totals.at(0).simplified(), QString("TOTALES 311.00 311.00"));
-        QCOMPARE(totals.at(1).simplified(), QString("TOTALES 80.50 80.50"));
-        QCOMPARE(lineWith(text, "TOTAL GENERAL:"), QString("TOTAL GENERAL: 391.50"));
-        QVERIFY(text.indexOf(d(kDay)) < text.indexOf("TOTALES"));
-        QCOMPARE(lineWith(text, "Página"), QString("Página 1 de 1"));
-    }
-
     // Heading numbers: the design's texts with 0, the letterhead (19) without
     // rtn, the commissions (26) with the mail and "RTN: ", a fax left out
     // when there is none, and no laboratory row at all.
