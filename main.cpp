@@ -1,5 +1,5 @@
-// Tarvenquil 4.0: the laboratory's program. Opens the store in the data
-// folder, then splash, sign-on and main window.
+// Tarvenquil 4.0: the laboratory's program. Splash, sign-on and main
+// window, with the store of the data folder opened beside the first window.
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
@@ -7,6 +7,7 @@
 #include "foundation/startup/Form7.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/startup/frmSplash.h"
+#include "foundation/startup/storeopening.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,8 +17,6 @@
 #include <QWindow>
 #include <cstdio>
 #include <cstring>
-#include <exception>
-#include <thread>
 
 namespace {
 
@@ -50,53 +49,6 @@ QString chooseDataFolder(const QStringList& args)
     return {};
 }
 
-// Opens the store of the data folder. Returns the reason when it can't be opened.
-QString openStore()
-{
-    try {
-        tq::amb1().openStore(tq::storePath());
-    } catch (const tq::DbError& e) {
-        tq::logLine(QStringLiteral("No se pudo abrir la base de datos: %1 | %2")
-                        .arg(e.message(), e.detail()));
-        return e.message();
-    } catch (const tq::AppError& e) {
-        tq::logLine(QStringLiteral("No se pudo abrir la base de datos: %1").arg(e.message()));
-        return e.message();
-    } catch (const std::exception& e) {
-        return QString::fromLocal8Bit(e.what());
-    } catch (...) {
-        return QStringLiteral("No se pudo abrir la base de datos por un error inesperado.");
-    }
-    return {};
-}
-
-// Opens the store on a second thread while the first window is being built,
-// so that the two costs of a start overlap. The window waits for the store
-// (wait()) before it reads anything from it or is shown.
-class StoreOpening {
-public:
-    explicit StoreOpening(const QStringList& args) : m_problem(chooseDataFolder(args))
-    {
-        if (m_problem.isEmpty())
-            m_thread = std::thread([this] { m_problem = openStore(); });
-    }
-    ~StoreOpening() { wait(); }
-    void wait()
-    {
-        if (m_thread.joinable())
-            m_thread.join();
-        if (!m_problem.isEmpty() && !m_told) {
-            m_told = true;
-            tq::setStoreProblem(m_problem);
-        }
-    }
-
-private:
-    QString m_problem;
-    std::thread m_thread;
-    bool m_told = false;
-};
-
 // --demo: fills an empty store with a small laboratory to try the program.
 int fillDemo(int argc, char** argv)
 {
@@ -105,8 +57,11 @@ int fillDemo(int argc, char** argv)
     QTextStream out(stdout);
     QTextStream err(stderr);
     QString problem = chooseDataFolder(app.arguments());
-    if (problem.isEmpty())
-        problem = openStore();
+    if (problem.isEmpty()) {
+        tq::beginOpeningStore(problem);
+        tq::awaitStore();
+        problem = tq::storeProblem();
+    }
     if (!problem.isEmpty()) {
         err << "No se puede abrir la base de datos del laboratorio (" << tq::storePath()
             << "): " << problem << Qt::endl;
@@ -139,29 +94,42 @@ int main(int argc, char** argv)
 
     QApplication app(argc, argv);
     naming();
-
-    StoreOpening store(app.arguments());
+    const QString folderProblem = chooseDataFolder(app.arguments());
 
     // --tiempo-inicio: milliseconds from start to the sign-on screen on
-    // screen (without the splash), then quit.
-    if (app.arguments().contains(QStringLiteral("--tiempo-inicio"))) {
-        QWidget* signOn = tq::showSignOn([&store] { store.wait(); });
-        auto* poll = new QTimer(&app);
-        QObject::connect(poll, &QTimer::timeout, &app, [&sinceStart, signOn, poll] {
-            if (!signOn->windowHandle() || !signOn->windowHandle()->isExposed())
-                return;
-            poll->stop();
+    // screen (without the splash), then quit. --tiempo-listo: to the store
+    // opened and the laboratory's name on that screen.
+    const bool untilWindow = app.arguments().contains(QStringLiteral("--tiempo-inicio"));
+    const bool untilReady = app.arguments().contains(QStringLiteral("--tiempo-listo"));
+    int code = 0;
+    if (untilWindow || untilReady) {
+        tq::beginOpeningStore(folderProblem);
+        QWidget* signOn = tq::showSignOn();
+        const auto report = [&sinceStart] {
             std::printf("%lld\n", static_cast<long long>(sinceStart.elapsed()));
             std::fflush(stdout);
             QCoreApplication::exit(0);
-        });
-        poll->start(1);
-        return app.exec();
+        };
+        if (untilReady) {
+            tq::whenStoreReady(signOn, report);
+        } else {
+            auto* poll = new QTimer(&app);
+            QObject::connect(poll, &QTimer::timeout, &app, [signOn, poll, report] {
+                if (!signOn->windowHandle() || !signOn->windowHandle()->isExposed())
+                    return;
+                poll->stop();
+                report();
+            });
+            poll->start(1);
+        }
+        code = app.exec();
+    } else {
+        tq::beginOpeningStore(folderProblem);
+        auto* splash = new frmSplash();
+        tq::centreWindow(splash);
+        splash->show();
+        code = app.exec();
     }
-
-    auto* splash = new frmSplash();
-    store.wait();
-    tq::centreWindow(splash);
-    splash->show();
-    return app.exec();
+    tq::awaitStore();   // an opening still under way ends before the program
+    return code;
 }

@@ -12,6 +12,7 @@
 #include "foundation/startup/accesos.h"
 #include "foundation/startup/frmSplash.h"
 #include "foundation/startup/semaforo.h"
+#include "foundation/startup/storeopening.h"
 #include "foundation/base/values.h"
 
 #include <QAction>
@@ -215,8 +216,8 @@ private slots:
     void storeThatCannotOpen()
     {
         amb1().closeStore();
-        const QString why = QStringLiteral("el archivo lab.db está dañado");
-        setStoreProblem(why);
+        const QString why = QStringLiteral("No se pudo crear la carpeta de datos /sin/permiso.");
+        beginOpeningStore(why);   // the start-up's way: the data folder failed
 
         QWidget* f = showSignOn();
         QVERIFY(QTest::qWaitForWindowExposed(f));
@@ -231,6 +232,29 @@ private slots:
         setStoreProblem(QString());
         QVERIFY(clickNamed(f, "Command2"));   // "Salir" is the way out
         QVERIFY(sp->ended);
+    }
+
+    // At start-up the sign-on screen is up while the store still opens on
+    // another thread: the laboratory's name comes when it is open, and a
+    // press of "Ingresar" quicker than the opening waits for it.
+    void signOnWhileTheStoreOpens()
+    {
+        amb1().closeStore();
+        beginOpeningStore(QString());
+        QPointer<QWidget> f = showSignOn();
+        submit(f, "admin", "admin");
+        QVERIFY2(sp->messages().isEmpty(), qPrintable(sp->lastMessage()));
+        QVERIFY(amb1().isOpen());
+        QCOMPARE(openWindows("MDIForm1").size(), 1);
+
+        QApplication::closeAllWindows();
+        flushDeletes();
+        amb1().closeStore();
+        beginOpeningStore(QString());
+        QPointer<QWidget> again = showSignOn();
+        QTRY_COMPARE(control<QLabel>(again, "Label2")->text(),
+                     QStringLiteral("Laboratorio Clinico (configure sus datos)"));
+        QVERIFY(sp->messages().isEmpty());
     }
 
     // Limited user: exactly the listed entries go grey, exams and employees

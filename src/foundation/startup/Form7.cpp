@@ -8,12 +8,13 @@
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 #include "foundation/startup/accesos.h"
+#include "foundation/startup/storeopening.h"
 
 #include <QCloseEvent>
 #include <QPalette>
 #include <QTimer>
 
-Form7::Form7(QWidget* parent, bool readLaboratory) : QWidget(parent), ui(std::make_unique<Ui::Form7>())
+Form7::Form7(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::Form7>())
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form7"));
@@ -24,8 +25,7 @@ Form7::Form7(QWidget* parent, bool readLaboratory) : QWidget(parent), ui(std::ma
     tq::onClick(ui->Command1, QStringLiteral("ingresar al sistema"), [this] { ingresar(); });
     connect(ui->Command2, &QPushButton::clicked, this, &QWidget::close);
 
-    if (readLaboratory)
-        loadLaboratory();
+    tq::whenStoreReady(this, [this] { storeReady(); });
     tq::state().screenNumber = 7;
     ui->Text1->setFocus();
 }
@@ -62,20 +62,34 @@ void Form7::loadLaboratory()
     });
 }
 
+void Form7::storeReady()
+{
+    m_storeKnown = true;
+    loadLaboratory();
+    if (isVisible())
+        warnStoreClosed();
+}
+
+// Told once the screen is up, so the user sees where it belongs.
+void Form7::warnStoreClosed()
+{
+    if (m_warned || !m_storeKnown || tq::amb1().isOpen())
+        return;
+    m_warned = true;
+    QTimer::singleShot(0, this, [] {
+        tq::prompts().message(tq::storeClosedMessage(), tq::Icon::Critical);
+    });
+}
+
 void Form7::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    if (!m_warned && !tq::amb1().isOpen()) {
-        m_warned = true;
-        // Told once the screen is up, so the user sees where it belongs.
-        QTimer::singleShot(0, this, [] {
-            tq::prompts().message(tq::storeClosedMessage(), tq::Icon::Critical);
-        });
-    }
+    warnStoreClosed();
 }
 
 void Form7::ingresar()
 {
+    tq::awaitStore();   // a press quicker than the store's opening waits for it
     const tq::SignOnOutcome outcome = tq::signOn(ui->Text1->text(), ui->Text2->text());
     if (outcome == tq::SignOnOutcome::StoreClosed)
         return;   // nothing to sign on against; the screen stays

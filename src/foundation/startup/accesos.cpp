@@ -182,13 +182,9 @@ QString storeClosedMessage()
     return text;
 }
 
-QWidget* showSignOn(const std::function<void()>& awaitStore)
+QWidget* showSignOn()
 {
-    auto* w = new Form7(nullptr, !awaitStore);
-    if (awaitStore) {
-        awaitStore();
-        w->loadLaboratory();
-    }
+    auto* w = new Form7(nullptr);
     centreWindow(w);
     w->show();
     w->raise();

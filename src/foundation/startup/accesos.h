@@ -1,5 +1,4 @@
 #pragma once
-#include <functional>
 // Sign-on of the laboratory's staff: the checks behind "Ingresar" of Form7
 // and the routine that lets a user in, plus the few steps of the program's
 // life that several screens share (the sign-on screen, the end).
@@ -47,10 +46,8 @@ QString storeProblem();
 // The text the sign-on screen shows while the store is not open.
 QString storeClosedMessage();
 
-// A fresh sign-on screen, shown. At start-up the store may still be opening
-// elsewhere: `awaitStore` is then called once the screen's widgets are built,
-// before the screen reads the laboratory's name and shows.
-QWidget* showSignOn(const std::function<void()>& awaitStore = {});
+// A fresh sign-on screen, shown.
+QWidget* showSignOn();
 
 // Ends the program through the prompt service, once even when several
 // windows closing at the same time ask for it.
