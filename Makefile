@@ -1,7 +1,8 @@
 # Set-up and build in one step on a fresh Debian machine.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
-PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils
+PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils \
+         postgresql postgresql-client libqt6sql6-psql
 
 .PHONY: all deps configure build run test bench clean
 
@@ -24,8 +25,12 @@ build: configure
 run: build
 	./$(BUILD)/tarvenquil $(ARGS)
 
+# Every test program runs twice: on the embedded store and on a private
+# PostgreSQL server that the tests start and stop themselves.
 test: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+	@cd $(BUILD) && echo "Pruebas aprobadas: $$(ctest -N -L sqlite | grep -c 'Test *#') en SQLite," \
+	  "$$(ctest -N -L postgresql | grep -c '_pg$$') en PostgreSQL."
 
 # Times every path a user waits on against the same SQL run bare, on a large
 # store made once in $(BUILD)/bench/; fails when a path misses its target.

@@ -63,8 +63,7 @@ int fillDemo(int argc, char** argv)
         problem = tq::storeProblem();
     }
     if (!problem.isEmpty()) {
-        err << "No se puede abrir la base de datos del laboratorio (" << tq::storePath()
-            << "): " << problem << Qt::endl;
+        err << "No se puede abrir la base de datos del laboratorio: " << problem << Qt::endl;
         return 1;
     }
     try {
@@ -76,7 +75,7 @@ int fillDemo(int argc, char** argv)
         err << "No se cargaron los datos de demostración: " << e.what() << Qt::endl;
         return 1;
     }
-    out << "Datos de demostración cargados en " << QDir::toNativeSeparators(tq::storePath())
+    out << "Datos de demostración cargados en " << QDir::toNativeSeparators(tq::amb1().storeFile())
         << Qt::endl;
     tq::amb1().closeStore();
     return 0;

@@ -1,7 +1,9 @@
-// A workstation that only saves invoices: the program the concurrency test
-// starts several times against one store. Arguments: the store, how many
-// invoices, the station's name. Prints "abierta" once the store is open,
-// then how many invoices were renumbered.
+// A workstation that only saves invoices: the program the concurrency tests
+// start several times against one store. Arguments: the store (a file, or a
+// server's libpq connection text), how many invoices, the station's name.
+// Prints "abierta" once the store is open, then one line per invoice saved:
+// the number proposed, the number it was saved under, and 1 when the save
+// said it moved to the next free number (0 otherwise).
 #include "billing/invoice/invoicesave.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
@@ -18,11 +20,13 @@ int main(int argc, char** argv)
     if (args.size() < 4)
         return 2;
     try {
-        tq::amb1().openStore(args.at(1));
+        if (args.at(1).contains(QLatin1Char('=')))
+            tq::amb1().openServer(args.at(1));
+        else
+            tq::amb1().openStore(args.at(1));
         std::printf("abierta\n");   // the store is open: the saves begin
         std::fflush(stdout);
         const int count = args.at(2).toInt();
-        int renumbered = 0;
         for (int i = 0; i < count; ++i) {
             tq::InvoiceDocument doc;
             // Proposed as the invoice screen proposes it, outside the save.
@@ -34,12 +38,18 @@ int main(int argc, char** argv)
             doc.codPaciente = 1;
             doc.subtotal = doc.total = QStringLiteral("30.00");
             doc.lines = {{1, 1, QStringLiteral("10.00")}, {2, 2, QStringLiteral("20.00")}};
+            // In turn: paid, on credit (an instalment), to the insurer (its
+            // receivable and an instalment).
+            const auto settlement = tq::Settlement(i % 3);
             tq::Payment paid;
-            paid.efectivo = 30;
-            if (tq::saveInvoice(doc, tq::Settlement::Paid, paid, false, nullptr).renumbered)
-                ++renumbered;
+            paid.efectivo = settlement == tq::Settlement::Paid ? 30 : 0;
+            paid.pagado = settlement == tq::Settlement::Credit ? 10 : 0;
+            paid.efectivo = std::max(paid.efectivo, paid.pagado);
+            const tq::SaveOutcome out = tq::saveInvoice(
+                doc, settlement, paid, settlement == tq::Settlement::Insurer, nullptr);
+            std::printf("%d %d %d\n", doc.numero, out.numero, out.renumbered ? 1 : 0);
+            std::fflush(stdout);
         }
-        std::printf("%d\n", renumbered);
         tq::amb1().closeStore();
         return 0;
     } catch (const tq::AppError& e) {

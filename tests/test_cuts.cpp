@@ -47,7 +47,7 @@ void addInvoice(int factura, const QDate& fecha, int patient, double total, doub
                    "efectivo", "tarjeta", "cheque", "anulada", "motivo_anulacion"},
                   {factura, fecha, patient, "admin", money(total), money(total),
                    money(total - card), money(card), money(0.0), voided,
-                   voided ? QVariant(true) : QVariant()});
+                   voided ? QVariant("1") : QVariant()});   // "1": true, as a text
     amb1().insert("FacturaDetalle", {"factura", "cod_descripcionexamen", "cantidad", "subtotal"},
                   {factura, 1, 1, money(total)});
     if (card > 0)

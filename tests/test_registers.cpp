@@ -59,7 +59,7 @@ QString modifyRow(QWidget* w, ScriptedPrompts& sp, const QString& column, int ot
 // The store's counter of the table hands out `next` as its following code.
 void setNextCode(const QString& table, const QString& column, int next)
 {
-    amb1().execute("INSERT INTO " + table + " (" + column + ") VALUES (?)", {next - 1});
+    amb1().insert(table, {column}, {next - 1});
     amb1().execute("DELETE FROM " + table + " WHERE " + column + " = ?", {next - 1});
 }
 

@@ -151,7 +151,13 @@ private slots:
         // store itself (refused when chosen); a file gone before the save (the
         // data are saved all the same, with a warning).
         const QByteArray old = bytesOf(logoPath());
-        const QStringList refused = saveWithLogo(p, store.dbPath());
+        QString notAPicture = store.dbPath();
+        if (onServer()) {   // no store file here: another file that is no picture
+            notAPicture = pics.filePath("notas.txt");
+            QFile f(notAPicture);
+            QVERIFY(f.open(QIODevice::WriteOnly) && f.write("no es una imagen") > 0);
+        }
+        const QStringList refused = saveWithLogo(p, notAPicture);
         QVERIFY(refused.size() == 1 && refused[0].contains("no es una imagen"));
         const QString gone = writeImage(pics.filePath("borrado.png"), Qt::blue, {20, 20}, "PNG");
         const QStringList warned = saveWithLogo(p, gone, [&](QWidget* screen) {

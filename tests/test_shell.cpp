@@ -4,6 +4,7 @@
 
 #include "foundation/base/apperror.h"
 #include "foundation/data/amb1.h"
+#include "foundation/data/datafolder.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/passwords.h"
 #include "foundation/ui/registry.h"
@@ -17,6 +18,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -232,6 +234,44 @@ private slots:
         setStoreProblem(QString());
         QVERIFY(clickNamed(f, "Command2"));   // "Salir" is the way out
         QVERIFY(sp->ended);
+    }
+
+    // A workstation pointed at a server by servidor.conf opens its store
+    // there; a server that can't be reached leaves the sign-on screen
+    // standing with the reason, and never shows the password.
+    void storeOnAServer()
+    {
+        amb1().closeStore();
+        QFile conf(serverConfPath());
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("# servidor del laboratorio\nhost=/tmp/tq-no-existe dbname=laboratorio\n"
+                   "user=caja password=secreta\n");
+        conf.close();
+        beginOpeningStore(QString());
+        QWidget* f = showSignOn();
+        QTRY_COMPARE(sp->messages().size(), 1);
+        const QString said = sp->lastMessage();
+        QVERIFY2(said.contains("No se pudo conectar con el servidor de la base de datos "
+                               "(servidor /tmp/tq-no-existe, base laboratorio)"),
+                 qPrintable(said));
+        QVERIFY(said.contains("servidor.conf") && !said.contains("secreta"));
+        QVERIFY(!amb1().isOpen() && f->isVisible());
+        setStoreProblem(QString());
+        f->close();
+        flushDeletes();
+
+        if (onServer()) {   // the test's own server, through the same file
+            QVERIFY(conf.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            conf.write(testDatabase().toUtf8());
+            conf.close();
+            sp->clear();
+            beginOpeningStore(QString());
+            awaitStore();
+            QVERIFY2(amb1().isOpen() && amb1().engine() == Engine::Server,
+                     qPrintable(storeProblem()));
+            QCOMPARE(sp->messages(), QStringList());
+        }
+        QFile::remove(serverConfPath());
     }
 
     // At start-up the sign-on screen is up while the store still opens on

@@ -6,9 +6,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QSqlDriver>
 #include <QTemporaryFile>
 #include <QVariant>
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <sqlite3.h>
@@ -106,12 +109,59 @@ CopyProblem copyPages(sqlite3* source, const QString& file)
     return problem;
 }
 
+// pg_dump of the server's client tools: on the path, or where Debian keeps
+// each version's (the highest, which reads every older server).
+QString pgDumpProgram()
+{
+    const QString onPath = QStandardPaths::findExecutable(QStringLiteral("pg_dump"));
+    if (!onPath.isEmpty())
+        return onPath;
+    QDir versions(QStringLiteral("/usr/lib/postgresql"));
+    QStringList found = versions.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    std::sort(found.begin(), found.end(), [](const QString& a, const QString& b) {
+        return a.toInt() < b.toInt();
+    });
+    for (auto it = found.crbegin(); it != found.crend(); ++it) {
+        const QString program = versions.filePath(*it + QStringLiteral("/bin/pg_dump"));
+        if (QFileInfo(program).isExecutable())
+            return program;
+    }
+    return {};
+}
+
+// The server's copy, in pg_dump's own format (pg_restore reads it back).
+CopyProblem dumpServer(const QString& file)
+{
+    const QString program = pgDumpProgram();
+    if (program.isEmpty())
+        return {QStringLiteral("no se encontró el programa pg_dump (paquete postgresql-client)"),
+                QString()};
+    QProcess dump;
+    dump.setProcessChannelMode(QProcess::SeparateChannels);
+    dump.start(program, {QStringLiteral("--format=custom"), QStringLiteral("--no-owner"),
+                         QStringLiteral("--no-privileges"), QStringLiteral("--file=") + file,
+                         QStringLiteral("--dbname=") + amb1().serverConnection()});
+    if (!dump.waitForStarted(10000))
+        return {QStringLiteral("no se pudo iniciar pg_dump"), dump.errorString()};
+    // A large laboratory's copy takes a while; a stuck one is given up.
+    if (!dump.waitForFinished(30 * 60 * 1000)) {
+        dump.kill();
+        dump.waitForFinished(5000);
+        return {QStringLiteral("pg_dump no terminó la copia"), dump.errorString()};
+    }
+    if (dump.exitStatus() != QProcess::NormalExit || dump.exitCode() != 0)
+        return {QStringLiteral("el servidor no entregó la copia completa"),
+                QString::fromLocal8Bit(dump.readAllStandardError()).trimmed()};
+    return {};
+}
+
 }  // namespace
 
 BackupResult backupStore(const QString& target)
 {
-    sqlite3* source = storeHandle();
-    if (!source)
+    const bool server = amb1().isOpen() && amb1().engine() == Engine::Server;
+    sqlite3* source = server ? nullptr : storeHandle();
+    if (!source && !server)
         return failed(QStringLiteral("no hay una base de datos abierta que se pueda copiar"));
     if (target.isEmpty())
         return failed(QStringLiteral("no se indicó el nombre de la copia"));
@@ -123,7 +173,7 @@ BackupResult backupStore(const QString& target)
                           .arg(QDir::toNativeSeparators(folder.absolutePath())));
     if (info.isDir())
         return failed(QStringLiteral("ya existe una carpeta con ese nombre"));
-    const QString store = QFileInfo(amb1().storeFile()).absoluteFilePath();
+    const QString store = server ? QString() : QFileInfo(amb1().storeFile()).absoluteFilePath();
     if (!store.isEmpty() && info.absoluteFilePath() == store)
         return failed(QStringLiteral("la copia no puede reemplazar la base de datos en uso"));
 
@@ -139,7 +189,7 @@ BackupResult backupStore(const QString& target)
     const QString tempName = temp.fileName();
     temp.close();
 
-    const CopyProblem problem = copyPages(source, tempName);
+    const CopyProblem problem = server ? dumpServer(tempName) : copyPages(source, tempName);
     if (!problem.isEmpty())
         return failed(problem.why, problem.detail);   // the temporary file goes with `temp`
 

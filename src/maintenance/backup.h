@@ -14,7 +14,9 @@ struct BackupResult {
 // name. The copy is consistent even while the store is in use: it goes
 // through SQLite's online backup into a temporary file beside the target,
 // which only replaces the target once it is complete, so a failed copy never
-// destroys an older backup.
+// destroys an older backup. On the server the copy is pg_dump's, in its
+// custom format (pg_restore puts it back), taken in one snapshot while the
+// other workstations keep saving.
 BackupResult backupStore(const QString& target);
 
 }  // namespace tq

@@ -13,6 +13,23 @@ StoreFaults::StoreFaults()
     // `quedan`: writes left before the store fails; NULL while it is healthy.
     // A refused write is undone with its statement, so the count stays below
     // one and every later write fails too.
+    if (amb1().engine() == Engine::Server) {
+        amb1().execute(QStringLiteral("CREATE TABLE IF NOT EXISTS falla (quedan INTEGER)"));
+        amb1().execute(QStringLiteral("DELETE FROM falla"));
+        amb1().execute(QStringLiteral("INSERT INTO falla (quedan) VALUES (NULL)"));
+        amb1().execute(QStringLiteral(
+                           "CREATE OR REPLACE FUNCTION falla() RETURNS trigger LANGUAGE plpgsql AS "
+                           "'BEGIN "
+                           "UPDATE falla SET quedan = quedan - 1 WHERE quedan IS NOT NULL; "
+                           "IF (SELECT quedan FROM falla) < 0 THEN RAISE EXCEPTION ''%1''; END IF; "
+                           "RETURN COALESCE(NEW, OLD); END'")
+                           .arg(QLatin1String(kFault)));
+        for (const QString& table : schema::tableNames())
+            amb1().execute(QStringLiteral("CREATE TRIGGER falla BEFORE INSERT OR UPDATE OR DELETE "
+                                          "ON %1 FOR EACH ROW EXECUTE FUNCTION falla()")
+                               .arg(table));
+        return;
+    }
     amb1().execute(QStringLiteral("CREATE TEMP TABLE falla (quedan INTEGER)"));
     amb1().execute(QStringLiteral("INSERT INTO falla (quedan) VALUES (NULL)"));
     for (const QString& table : schema::tableNames()) {

@@ -8,6 +8,10 @@
 #include "foundation/base/passwords.h"
 
 #include <QApplication>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QBuffer>
 #include <QPdfWriter>
 #include <QDir>
@@ -18,11 +22,163 @@
 
 namespace tq::test {
 
+QString testServer() { return qEnvironmentVariable("TQ_TEST_SERVER"); }
+
+namespace {
+
+QSqlDatabase serverConnection(const QString& name, const QString& options)
+{
+    QSqlDatabase db = QSqlDatabase::contains(name) ? QSqlDatabase::database(name, false)
+                                                   : QSqlDatabase::addDatabase(
+                                                         QStringLiteral("QPSQL"), name);
+    if (!db.isOpen()) {
+        db.setConnectOptions(options);
+        if (!db.open())
+            qFatal("No se pudo conectar con el servidor de pruebas: %s",
+                   qPrintable(db.lastError().text()));
+    }
+    return db;
+}
+
+void mustRun(const QSqlDatabase& db, const QString& sql)
+{
+    QSqlQuery q(db);
+    if (!q.exec(sql))
+        qFatal("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+}
+
+QString databaseName()
+{
+    return QStringLiteral("tq_%1_%2")
+        .arg(QCoreApplication::applicationName().toLower().remove(QRegularExpression("[^a-z0-9_]")))
+        .arg(QCoreApplication::applicationPid());
+}
+
+// Empties this program's database on the server, making it first.
+void emptyServerStore()
+{
+    static bool made = false;
+    if (!made) {
+        const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
+                                                    testServer() + QStringLiteral(" dbname=postgres"));
+        mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(databaseName()));
+        mustRun(admin, QStringLiteral("CREATE DATABASE %1").arg(databaseName()));
+        made = true;
+        qAddPostRoutine([] {
+            amb1().closeStore();
+            QSqlDatabase::database(QStringLiteral("tq_reset"), false).close();
+            QSqlQuery(QSqlDatabase::database(QStringLiteral("tq_admin"), false))
+                .exec(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(databaseName()));
+        });
+    }
+    const QSqlDatabase db = serverConnection(
+        QStringLiteral("tq_reset"),
+        testDatabase() + QStringLiteral(" options='-c client_min_messages=warning'"));
+    mustRun(db, QStringLiteral("DROP SCHEMA IF EXISTS public CASCADE"));
+    mustRun(db, QStringLiteral("CREATE SCHEMA public"));
+}
+
+}  // namespace
+
+QString serverDatabase(const QString& suffix, const QString& from)
+{
+    const QString name = databaseName() + QLatin1Char('_') + suffix;
+    const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
+                                                testServer() + QStringLiteral(" dbname=postgres"));
+    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(name));
+    mustRun(admin, from.isEmpty() ? QStringLiteral("CREATE DATABASE %1").arg(name)
+                                  : QStringLiteral("CREATE DATABASE %1 TEMPLATE %2_%3")
+                                        .arg(name, databaseName(), from));
+    static QStringList made;
+    if (made.isEmpty())
+        qAddPostRoutine([] {
+            QSqlQuery drop(QSqlDatabase::database(QStringLiteral("tq_admin"), false));
+            for (const QString& n : std::as_const(made))
+                drop.exec(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(n));
+        });
+    if (!made.contains(name))
+        made << name;
+    return testServer() + QStringLiteral(" dbname=") + name;
+}
+
+QString testDatabase() { return testServer() + QStringLiteral(" dbname=") + databaseName(); }
+
 TempStore::TempStore()
 {
     resetState();
     setDataFolder(m_dir.path());
-    amb1().openStore(dbPath());
+    if (onServer()) {
+        amb1().closeStore();
+        emptyServerStore();
+    }
+    reopen();
+}
+
+void TempStore::reopen() const
+{
+    if (onServer())
+        amb1().openServer(testDatabase());
+    else
+        amb1().openStore(dbPath());
+}
+
+QString TempStore::where() const { return onServer() ? testDatabase() : dbPath(); }
+
+QVariant queryCopy(const QString& file, const QString& sql)
+{
+    const QString name = QStringLiteral("tq_copia");
+    QVariant v;
+    if (!onServer()) {
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(file);
+            QSqlQuery q(db);
+            if (db.open() && q.exec(sql) && q.next())
+                v = q.value(0);
+        }
+        QSqlDatabase::removeDatabase(name);
+        return v;
+    }
+    const QString restored = databaseName() + QStringLiteral("_copia");
+    const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
+                                                testServer() + QStringLiteral(" dbname=postgres"));
+    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(restored));
+    mustRun(admin, QStringLiteral("CREATE DATABASE %1").arg(restored));
+    const QString connection = testServer() + QStringLiteral(" dbname=") + restored;
+    QProcess restore;
+    restore.start(QStringLiteral("pg_restore"),
+                  {QStringLiteral("--no-owner"), QStringLiteral("--dbname=") + connection, file});
+    if (!restore.waitForFinished(120000) || restore.exitCode() != 0)
+        qWarning("pg_restore: %s", restore.readAllStandardError().constData());
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setConnectOptions(connection);
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql) && q.next())
+            v = q.value(0);
+    }
+    QSqlDatabase::removeDatabase(name);
+    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(restored));
+    return v;
+}
+
+QVariant TempStore::query(const QString& sql) const
+{
+    const QString name = QStringLiteral("tq_aparte");
+    QVariant v;
+    {
+        QSqlDatabase db = onServer() ? QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name)
+                                     : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        if (onServer())
+            db.setConnectOptions(testDatabase());
+        else
+            db.setDatabaseName(dbPath());
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql) && q.next())
+            v = q.value(0);
+    }
+    QSqlDatabase::removeDatabase(name);
+    return v;
 }
 
 TempStore::~TempStore()

@@ -22,14 +22,37 @@ namespace tq { class FlexGrid; }
 
 namespace tq::test {
 
+// The PostgreSQL server the tests run against (TQ_TEST_SERVER, a libpq
+// connection text), or empty when they run on the embedded store.
+QString testServer();
+inline bool onServer() { return !testServer().isEmpty(); }
+// The connection text of this test program's own database on that server.
+QString testDatabase();
+
+// On the server: makes this program's database named with `suffix` afresh
+// (empty, or a copy of the one named with `from`) and returns its connection.
+QString serverDatabase(const QString& suffix, const QString& from = {});
+
+// The first value `sql` gives on a backup copy: the copied file opened, or,
+// on the server, pg_dump's copy restored into a fresh database (dropped after).
+QVariant queryCopy(const QString& file, const QString& sql);
+
 // A fresh data folder with a new store opened on amb1 (schema and first-start
 // rows), the shared program state reset. Closed and removed on destruction.
+// On the server the store is this program's database, emptied first.
 class TempStore {
 public:
     TempStore();
     ~TempStore();
     QString folder() const { return m_dir.path(); }
-    QString dbPath() const;
+    QString dbPath() const;   // the store file (embedded store only)
+    // Opens amb1 again on this store, as a program starting would.
+    void reopen() const;
+    // What another process opens this store with: the file or the connection.
+    QString where() const;
+    // The first value `sql` gives on this store through a connection of its
+    // own, as another program would see it (amb1 may be closed).
+    QVariant query(const QString& sql) const;
 
 private:
     QTemporaryDir m_dir;

@@ -1,5 +1,7 @@
 #include "foundation/base/apperror.h"
 
+#include <cstdio>
+
 namespace tq {
 
 AppError::AppError(const QString& message)
@@ -10,6 +12,11 @@ AppError::AppError(const QString& message)
 DbError::DbError(const QString& message, const QString& detail, const QString& sql)
     : AppError(message), m_detail(detail), m_sql(sql)
 {
+    // For whoever runs the tests: TQ_TRAZA_SQL shows every store failure as it happens.
+    static const bool trace = qEnvironmentVariableIsSet("TQ_TRAZA_SQL");
+    if (trace)
+        std::fprintf(stderr, "DbError: %s | %s | %s\n", qPrintable(message), qPrintable(detail),
+                     qPrintable(sql));
 }
 
 }  // namespace tq

@@ -4,6 +4,7 @@
 #include "foundation/data/amb1.h"
 
 #include "foundation/data/catalogue_p.h"
+#include "foundation/data/dialect.h"
 #include "foundation/data/filter_p.h"
 #include "foundation/base/apperror.h"
 #include "foundation/data/schema.h"
@@ -20,7 +21,9 @@
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QRegularExpression>
 #include <QThread>
+#include <QUrl>
 #include <QVector>
 #include <algorithm>
 #include <cmath>
@@ -96,6 +99,8 @@ constexpr auto kConnection = "Connection1";
 
 QString connectionName() { return QString::fromLatin1(kConnection); }
 
+Engine currentEngine() { return amb1().engine(); }
+
 QSqlDatabase currentDb()
 {
     QSqlDatabase db = amb1().connection();
@@ -107,8 +112,32 @@ QSqlDatabase currentDb()
 
 // What the user reads when the store refuses or fails. The driver's own
 // text, in English, goes to the log with the statement, never to the screen.
+QString serverFailure(const QSqlError& e)
+{
+    const QString state = e.nativeErrorCode();
+    if (state.startsWith(QLatin1String("23")))
+        return QStringLiteral("La base de datos rechazó los datos porque no cumplen sus reglas.");
+    if (state.startsWith(QLatin1String("08")) || state == QLatin1String("57P01"))
+        return QStringLiteral("Se perdió la conexión con el servidor de la base de datos. "
+                              "Revise la red y vuelva a intentarlo.");
+    if (state == QLatin1String("40001") || state == QLatin1String("40P01")
+        || state == QLatin1String("55P03"))
+        return QStringLiteral("La base de datos está ocupada por otra estación. Intente de "
+                              "nuevo en un momento.");
+    if (state.startsWith(QLatin1String("53")))
+        return QStringLiteral("El servidor de la base de datos no tiene espacio para guardar "
+                              "los cambios.");
+    if (state == QLatin1String("42501") || state == QLatin1String("25006"))
+        return QStringLiteral("El usuario del servidor no tiene permiso para guardar cambios "
+                              "en la base de datos.");
+    return QStringLiteral("La base de datos no aceptó la operación. El detalle quedó anotado en "
+                          "tarvenquil.log.");
+}
+
 QString storeFailure(const QSqlError& e)
 {
+    if (currentEngine() == Engine::Server)
+        return serverFailure(e);
     bool ok = false;
     const int code = e.nativeErrorCode().toInt(&ok) & 0xff;   // the store's main result code
     if (ok) {
@@ -145,13 +174,42 @@ QSqlQuery run(const QString& sql, const QVariantList& binds, bool forwardOnly)
 {
     QSqlQuery q(currentDb());
     q.setForwardOnly(forwardOnly);
-    if (!q.prepare(sql))
+    const QString text = dialect::adapted(sql, currentEngine());
+    if (binds.isEmpty()) {
+        // Nothing to bind: run as it stands (the server's driver prepares
+        // only queries, and preparing costs it a round trip).
+        if (!q.exec(text))
+            throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
+        return q;
+    }
+    if (!q.prepare(text))
         throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
     for (const QVariant& v : binds)
         q.addBindValue(v);
     if (!q.exec())
         throw DbError(storeFailure(q.lastError()), q.lastError().text(), sql);
     return q;
+}
+
+// A value as the screens read it on either engine: the server's yes/no
+// comes as a truth value, the embedded store's as 1 or 0, and the screens
+// have always read 1 or 0. Only the server's values need it.
+QVariant asStored(const QVariant& v)
+{
+    switch (v.metaType().id()) {
+    case QMetaType::Bool:
+        return QVariant(v.toBool() ? 1 : 0);
+    case QMetaType::Double: {
+        // A whole number kept as a decimal comes back whole, as the embedded
+        // store gives it (an authorisation number, 150 of 150.00).
+        const double d = v.toDouble();
+        if (std::trunc(d) == d && std::fabs(d) < 9.0e15)
+            return QVariant(qlonglong(d));
+        return v;
+    }
+    default:
+        return v;
+    }
 }
 
 // Reads every row of a select. Null when the statement returns no rows.
@@ -171,10 +229,11 @@ std::shared_ptr<Table> readAll(const QString& sql, const QVariantList& binds,
     for (int i = 0; i < n; ++i)
         t->addColumn(renamed ? names->columns.at(i) : rec.fieldName(i),
                      rec.field(i).metaType().id() == QMetaType::Bool);
+    const bool server = currentEngine() == Engine::Server;
     while ((max <= 0 || t->rows.size() < max) && q.next()) {
         QVector<QVariant> row(n);
         for (int i = 0; i < n; ++i)
-            row[i] = q.value(i);
+            row[i] = server ? asStored(q.value(i)) : q.value(i);
         t->rows.append(std::move(row));
     }
     if (q.lastError().isValid())
@@ -249,7 +308,8 @@ std::shared_ptr<const Described> describe(const QString& sql)
     } else {
         // A server types every column: read the types of an empty result.
         QSqlQuery q(db);
-        if (!q.prepare(QStringLiteral("SELECT * FROM (%1) AS tqd WHERE 1 = 0").arg(sql)))
+        if (!q.prepare(dialect::adapted(
+                QStringLiteral("SELECT * FROM (%1) AS tqd WHERE 1 = 0").arg(sql), Engine::Server)))
             return nullptr;
         for (int i = 0; i < placeholders(sql); ++i)
             q.addBindValue(QVariant());
@@ -270,7 +330,9 @@ QString aliasAt(int depth) { return QStringLiteral("tq%1").arg(depth); }
 QString quotedName(QString name)
 {
     // "Factura.fecha" names the column fecha.
-    name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1);
+    // Lower case: the server folds the names it was given unquoted, and the
+    // embedded store ignores case in names.
+    name = name.mid(name.lastIndexOf(QLatin1Char('.')) + 1).toLower();
     return QLatin1Char('"') + name.replace(QLatin1Char('"'), QStringLiteral("\"\""))
            + QLatin1Char('"');
 }
@@ -871,7 +933,9 @@ const CommandDef* Recordset::command() const { return m_def; }
 
 struct Amb1::Impl {
     QSqlDatabase db;
-    QString file;
+    Engine engine = Engine::Embedded;
+    QString file;     // the store file, or the server's description
+    QString connection;   // the server's libpq text
     std::vector<Recordset> sets;
     QHash<QString, int> byName;   // lower-case name -> slot
     int depth = 0;                // open transaction levels
@@ -914,8 +978,7 @@ void Amb1::openStore(const QString& path)
 
     QString failure;
     QString why;
-    QStringList present;          // the tables the store holds
-    QStringList indexesPresent;   // and its indexes
+    QStringList present;   // the tables and indexes the store holds
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName());
         db.setDatabaseName(info.absoluteFilePath());
@@ -928,19 +991,15 @@ void Amb1::openStore(const QString& path)
         } else {
             // A file that isn't a store opens but can't be read.
             QSqlQuery check(db);
-            if (!check.exec(QStringLiteral("SELECT type, name FROM sqlite_master "
+            if (!check.exec(QStringLiteral("SELECT name FROM sqlite_master "
                                            "WHERE type IN ('table', 'index')"))) {
                 why = check.lastError().text();
                 failure = QStringLiteral("No se pudo abrir la base de datos %1: el archivo no es "
                                          "una base de datos válida.")
                               .arg(where);
             } else {
-                while (check.next()) {
-                    if (check.value(0).toString() == QLatin1String("table"))
-                        present << check.value(1).toString();
-                    else
-                        indexesPresent << check.value(1).toString();
-                }
+                while (check.next())
+                    present << check.value(0).toString();
                 check.finish();
                 // Deletion rules live in the screens; the store enforces no keys.
                 check.exec(QStringLiteral("PRAGMA foreign_keys = OFF"));
@@ -960,33 +1019,93 @@ void Amb1::openStore(const QString& path)
         QSqlDatabase::removeDatabase(connectionName());
         throw DbError(failure, why);
     }
+    p->engine = Engine::Embedded;
     p->file = info.absoluteFilePath();
+    prepareOpened(present, where);
+}
 
-    try {
-        if (schema::isEmpty(present)) {
-            if (!p->db.transaction())
-                throw DbError(QStringLiteral("No se pudo abrir la base de datos %1: no se pudo "
-                                             "iniciar la creación de sus tablas.")
-                                  .arg(where),
-                              p->db.lastError().text());
-            try {
-                schema::create(p->db);
-                schema::seedFirstStart(p->db);
-            } catch (...) {
-                p->db.rollback();
-                throw;
-            }
-            if (!p->db.commit()) {
-                const QString why = p->db.lastError().text();
-                p->db.rollback();
-                throw DbError(QStringLiteral("No se pudo abrir la base de datos %1: no se pudieron "
-                                             "guardar sus tablas nuevas.")
-                                  .arg(where),
-                              why);
+void Amb1::openServer(const QString& connection)
+{
+    closeStore();
+    const QString where = serverDescription(connection);
+    QString failure;
+    QString why;
+    QStringList present;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connectionName());
+        if (!db.isValid()) {
+            failure = QStringLiteral("No se puede usar el servidor de la base de datos: falta el "
+                                     "controlador de PostgreSQL (paquete libqt6sql6-psql).");
+        } else {
+            // The whole libpq text goes through as it stands; the password
+            // comes from the user's .pgpass, never from our files. A server
+            // that doesn't answer is given up after a few seconds.
+            QString options = connection;
+            if (!options.contains(QLatin1String("connect_timeout")))
+                options += QStringLiteral(" connect_timeout=8");
+            if (!options.contains(QLatin1String("options")))
+                options += QStringLiteral(" options='-c client_min_messages=warning'");
+            if (!options.contains(QLatin1String("application_name")))
+                options += QStringLiteral(" application_name=tarvenquil");
+            db.setConnectOptions(options);
+            if (!db.open()) {
+                why = db.lastError().text();
+                failure = QStringLiteral("No se pudo conectar con el servidor de la base de datos "
+                                         "(%1). Revise que el servidor esté encendido y al "
+                                         "alcance de esta estación, y la conexión escrita en "
+                                         "servidor.conf.")
+                              .arg(where);
+            } else {
+                QSqlQuery check(db);
+                if (!check.exec(QStringLiteral(
+                        "SELECT tablename FROM pg_tables WHERE schemaname = current_schema() "
+                        "UNION ALL "
+                        "SELECT indexname FROM pg_indexes WHERE schemaname = current_schema()"))) {
+                    why = check.lastError().text();
+                    failure = QStringLiteral("No se pudo leer la base de datos del servidor "
+                                             "(%1).")
+                                  .arg(where);
+                } else {
+                    while (check.next())
+                        present << check.value(0).toString();
+                }
+                check.finish();
             }
         }
+        if (failure.isEmpty())
+            p->db = db;
+        else if (db.isValid())
+            db.close();
+    }
+    if (!failure.isEmpty()) {
+        QSqlDatabase::removeDatabase(connectionName());
+        throw DbError(failure, why);
+    }
+    p->engine = Engine::Server;
+    p->file = where;
+    p->connection = connection;
+    prepareOpened(present, where);
+}
+
+// A store just opened: an empty one gets its tables and first rows, one made
+// by an earlier version is brought up to this one.
+void Amb1::prepareOpened(const QStringList& present, const QString& where)
+{
+    try {
+        const bool fresh = schema::isEmpty(present);
+        if (fresh)
+            schema::inTransaction(p->db,
+                                  QStringLiteral("No se pudo abrir la base de datos %1: no se "
+                                                 "pudieron guardar sus tablas nuevas.")
+                                      .arg(where),
+                                  [this] {
+                                      schema::create(p->db);
+                                      schema::seedFirstStart(p->db);
+                                  });
         // A store made by an earlier version is brought up to this one.
-        schema::upgrade(p->db, present + indexesPresent);
+        if (!fresh)
+            schema::upgrade(p->db, present);
+        schema::syncCounters(p->db);
     } catch (...) {
         closeStore();
         throw;
@@ -999,6 +1118,36 @@ void Amb1::openStore(const QString& path)
         p->db.driver()->moveToThread(app->thread());
 }
 
+QString serverDescription(const QString& connection)
+{
+    // key=value pairs, or a postgresql:// address; the password never shows.
+    QString host;
+    QString database;
+    if (connection.trimmed().startsWith(QLatin1String("postgres"))) {
+        const QUrl url(connection.trimmed());
+        host = url.host();
+        database = url.path().mid(1);
+    } else {
+        static const QRegularExpression pair(
+            QStringLiteral("(\\w+)\\s*=\\s*('(?:[^'\\\\]|\\\\.)*'|\\S*)"));
+        for (auto it = pair.globalMatch(connection); it.hasNext();) {
+            const QRegularExpressionMatch m = it.next();
+            QString value = m.captured(2);
+            if (value.startsWith(QLatin1Char('\'')))
+                value = value.mid(1, value.size() - 2);
+            const QString key = m.captured(1).toLower();
+            if ((key == QLatin1String("host") || key == QLatin1String("hostaddr")) && host.isEmpty())
+                host = value;
+            else if (key == QLatin1String("dbname"))
+                database = value;
+        }
+    }
+    if (host.isEmpty())
+        host = QStringLiteral("localhost");
+    return database.isEmpty() ? QStringLiteral("servidor %1").arg(host)
+                              : QStringLiteral("servidor %1, base %2").arg(host, database);
+}
+
 void Amb1::closeStore()
 {
     describedCache().clear();
@@ -1006,6 +1155,8 @@ void Amb1::closeStore()
     p->depth = 0;
     p->lastId = QVariant();
     p->file.clear();
+    p->connection.clear();
+    p->engine = Engine::Embedded;
     if (p->db.isValid()) {
         if (p->db.isOpen())
             p->db.close();
@@ -1017,7 +1168,11 @@ void Amb1::closeStore()
 
 bool Amb1::isOpen() const { return p->db.isValid() && p->db.isOpen(); }
 
+Engine Amb1::engine() const { return p->engine; }
+
 QString Amb1::storeFile() const { return p->file; }
+
+QString Amb1::serverConnection() const { return p->connection; }
 
 QSqlDatabase Amb1::connection() const { return p->db; }
 
@@ -1035,10 +1190,41 @@ const QList<CommandDef>& Amb1::catalogue() const { return detail::commandCatalog
 
 int Amb1::execute(const QString& sql, const QVariantList& binds)
 {
-    QSqlQuery q = run(sql, binds, true);
-    p->lastId = q.lastInsertId();
-    const int n = q.numRowsAffected();
+    if (p->engine == Engine::Embedded) {
+        QSqlQuery q = run(sql, binds, true);
+        p->lastId = q.lastInsertId();
+        const int n = q.numRowsAffected();
+        q.finish();
+        return n;
+    }
+    // The server's driver would ask for the key with lastval(), which fails,
+    // and spoils the transaction, when no counter was used: an insert into a
+    // table with a counter says its key itself.
+    static const QRegularExpression insertInto(
+        QStringLiteral("^\\s*INSERT\\s+INTO\\s+(\\w+)"), QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = insertInto.match(sql);
+    const QString counter = m.hasMatch() ? schema::counterColumn(m.captured(1)) : QString();
+    if (counter.isEmpty() || sql.contains(QLatin1String("RETURNING"), Qt::CaseInsensitive)) {
+        QSqlQuery q = run(sql, binds, true);
+        p->lastId = QVariant();
+        const int n = q.numRowsAffected();
+        q.finish();
+        return n;
+    }
+    QSqlQuery q = run(sql + QStringLiteral(" RETURNING ") + counter, binds, true);
+    int n = 0;
+    while (q.next()) {
+        p->lastId = q.value(0);
+        ++n;
+    }
     q.finish();
+    // A key given by hand moves the counter past it.
+    const QString head = sql.left(sql.indexOf(QLatin1String("VALUES"), 0, Qt::CaseInsensitive));
+    if (QRegularExpression(QStringLiteral("\\b%1\\b").arg(counter),
+                           QRegularExpression::CaseInsensitiveOption)
+            .match(head)
+            .hasMatch())
+        schema::syncCounter(p->db, m.captured(1));
     return n;
 }
 
@@ -1047,7 +1233,7 @@ QVariant Amb1::scalar(const QString& sql, const QVariantList& binds)
     QSqlQuery q = run(sql, binds, true);
     QVariant v;
     if (q.isSelect() && q.next())
-        v = q.value(0);
+        v = currentEngine() == Engine::Server ? asStored(q.value(0)) : q.value(0);
     q.finish();
     return v;
 }
@@ -1066,9 +1252,25 @@ QVariant Amb1::insert(const QString& table, const QStringList& columns,
     marks.reserve(columns.size());
     for (int i = 0; i < columns.size(); ++i)
         marks << QStringLiteral("?");
-    execute(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                .arg(table, columns.join(QStringLiteral(", ")), marks.join(QStringLiteral(", "))),
-            values);
+    QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                      .arg(table, columns.join(QStringLiteral(", ")),
+                           marks.join(QStringLiteral(", ")));
+    if (p->engine == Engine::Embedded) {
+        execute(sql, values);
+        return p->lastId;
+    }
+    // The server tells the key it gave in the insert's own answer.
+    const QString counter = schema::counterColumn(table);
+    if (counter.isEmpty()) {
+        execute(sql, values);
+        return p->lastId = QVariant();
+    }
+    sql += QStringLiteral(" RETURNING ") + counter;
+    QSqlQuery q = run(sql, values, true);
+    p->lastId = q.next() ? q.value(0) : QVariant();
+    q.finish();
+    if (columns.contains(counter, Qt::CaseInsensitive))
+        schema::syncCounter(p->db, table);   // a key given by hand moves the counter past it
     return p->lastId;
 }
 
@@ -1081,11 +1283,22 @@ void Amb1::begin()
         // A save takes the store for writing at once: two programs on one
         // store then wait for each other (the busy timeout) instead of both
         // reading a free number and one failing when it writes it.
+        // On the server one lock, held to the end of the transaction, does
+        // what the embedded store's immediate transaction does.
         QSqlQuery q(db);
-        if (!q.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        const bool server = p->engine == Engine::Server;
+        if (!q.exec(server ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE")))
             throw DbError(QStringLiteral("No se pudo iniciar la transacción. %1")
                               .arg(storeFailure(q.lastError())),
                           q.lastError().text());
+        if (server && !q.exec(QStringLiteral("SELECT pg_advisory_xact_lock(%1)")
+                                  .arg(dialect::kSaveLock))) {
+            const QSqlError why = q.lastError();
+            db.rollback();
+            throw DbError(QStringLiteral("No se pudo iniciar la transacción. %1")
+                              .arg(storeFailure(why)),
+                          why.text());
+        }
     } else {
         const QString sql = QStringLiteral("SAVEPOINT tq_sp%1").arg(p->depth);
         QSqlQuery q(db);

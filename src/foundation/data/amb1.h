@@ -4,6 +4,8 @@
 // (a query, a table, or a hierarchical shape); slots are opened by screens
 // with their own SQL. Every value goes in bound, never concatenated.
 #include <QList>
+#include "foundation/data/dialect.h"
+
 #include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
@@ -123,9 +125,17 @@ public:
     // Opens Connection1 on the store file. A missing or empty store is created
     // with the schema and the rows the program assumes. Throws DbError.
     void openStore(const QString& path);
+    // Opens Connection1 on a PostgreSQL server, given a libpq connection text
+    // (the password is libpq's to find, in the user's .pgpass). An empty
+    // database is made ready as a new store file is. Throws DbError.
+    void openServer(const QString& connection);
     void closeStore();
     bool isOpen() const;
+    Engine engine() const;
+    // The store file, or the description of the server ("servidor X, base Y").
     QString storeFile() const;
+    // The libpq connection text the server was opened with (empty otherwise).
+    QString serverConnection() const;
     QSqlDatabase connection() const;   // Connection1
 
     // A named command of the catalogue. Throws AppError for an unknown name.
@@ -158,11 +168,15 @@ public:
 
 private:
     Amb1();
+    void prepareOpened(const QStringList& present, const QString& where);
     struct Impl;
     std::unique_ptr<Impl> p;
 };
 
 inline Amb1& amb1() { return Amb1::instance(); }
+
+// "servidor HOST, base DB" for a libpq connection text, without its password.
+QString serverDescription(const QString& connection);
 
 // A typed text for an optional column: an empty box stores nothing (NULL).
 inline QVariant nullIfEmpty(const QString& text)

@@ -208,7 +208,7 @@ ShapePtr shapeRepClienteexamen()
             "WHERE Factura.factura = FacturaDetalle.factura "
             "AND Factura.cod_paciente = Pacientes.cod_paciente "
             "AND FacturaDetalle.cod_descripcionexamen = Examenes.cod_descripcionexamen "
-            "AND (Factura.anulada = 0) ORDER BY Factura.fecha"),
+            "AND (Factura.anulada = FALSE) ORDER BY Factura.fecha"),
         {QStringLiteral("cod_paciente"), QStringLiteral("nombre_paciente"),
          QStringLiteral("apellido_paciente")});
 }
@@ -227,7 +227,7 @@ ShapePtr shapeRcuentas()
                            "COALESCE(Pacientes.nombre_paciente, '') || ' ' || "
                            "COALESCE(Pacientes.apellido_paciente, '') AS NOMBRE, "
                            "Pacientes.Cod_seguro FROM Factura, cxc, Pacientes "
-                           "WHERE Factura.anulada = 0 AND cxc.estado = 0 "
+                           "WHERE Factura.anulada = FALSE AND cxc.estado = FALSE "
                            "AND Factura.factura = cxc.factura "
                            "AND Factura.cod_paciente = Pacientes.cod_paciente")),
                 QStringLiteral("Cod_Seguro"), QStringLiteral("Cod_seguro"))});
@@ -244,7 +244,7 @@ ShapePtr shapeRcpagadas()
                            "COALESCE(Pacientes.nombre_paciente, '') || ' ' || "
                            "COALESCE(Pacientes.apellido_paciente, '') AS NOMBRE, "
                            "Pacientes.Cod_seguro FROM Factura, cxc, Pacientes "
-                           "WHERE cxc.estado = 1 AND Factura.factura = cxc.factura "
+                           "WHERE cxc.estado = TRUE AND Factura.factura = cxc.factura "
                            "AND Factura.cod_paciente = Pacientes.cod_paciente")),
                 QStringLiteral("Cod_Seguro"), QStringLiteral("Cod_seguro"))});
 }
@@ -308,7 +308,7 @@ ShapePtr shapeComision()
             "FROM Factura, Doctores, Pacientes "
             "WHERE Factura.cod_doctor = Doctores.Cod_doctor "
             "AND Factura.cod_paciente = Pacientes.cod_paciente "
-            "AND (Factura.cod_doctor IS NOT NULL) AND (Factura.anulada = 0)"),
+            "AND (Factura.cod_doctor IS NOT NULL) AND (Factura.anulada = FALSE)"),
         {QStringLiteral("cod_doctor"), QStringLiteral("fecha"), QStringLiteral("nombre"),
          QStringLiteral("pagada_doc")});
 }
@@ -325,8 +325,8 @@ ShapePtr shapeCuentascliente()
             "COALESCE(Pacientes.apellido_paciente, '') AS nombre "
             "FROM cxc, Factura, Pacientes, seguros "
             "WHERE cxc.factura = Factura.factura AND cxc.Cod_paciente = Pacientes.cod_paciente "
-            "AND Pacientes.Cod_seguro = seguros.Cod_Seguro AND (cxc.estado = 0) "
-            "AND (Factura.anulada = 0)"),
+            "AND Pacientes.Cod_seguro = seguros.Cod_Seguro AND (cxc.estado = FALSE) "
+            "AND (Factura.anulada = FALSE)"),
         {QStringLiteral("Empresa"), QStringLiteral("nombre"), QStringLiteral("cod_paciente")});
 }
 
@@ -460,10 +460,12 @@ QList<CommandDef> build()
               QStringLiteral("slot for datos in the result screens; heading source of reports"));
     c << shaped(QStringLiteral("rsrepventastarjeta_Grouping"), RO, shapeRepventastarjeta(),
                 QStringLiteral("card sales by date (ReporVentasTarjeta)"));
-    // As it was saved: the reason is compared with true.
+    // As it was saved, the reason is compared with true: a text column read
+    // against true picks the reasons written as "1", and is spelled so that
+    // both engines pick the same rows.
     c << query(QStringLiteral("rsfactanuladas"), RO,
                QStringLiteral("SELECT factura, fecha, total, anulada, motivo_anulacion, "
-                              "fecha_anulacion FROM Factura WHERE (motivo_anulacion = true)"),
+                              "fecha_anulacion FROM Factura WHERE (motivo_anulacion = '1')"),
                QStringLiteral("voided invoices (DataReport23)"));
     c << query(QStringLiteral("rsCommand6"), RO,
                QStringLiteral(
@@ -473,7 +475,7 @@ QList<CommandDef> build()
                    "Examenes.examen FROM Factura, FacturaDetalle, Examenes "
                    "WHERE Factura.factura = FacturaDetalle.factura "
                    "AND FacturaDetalle.cod_descripcionexamen = Examenes.cod_descripcionexamen "
-                   "AND (Factura.anulada = 0) AND (FacturaDetalle.cod_descripcionexamen = 22) "
+                   "AND (Factura.anulada = FALSE) AND (FacturaDetalle.cod_descripcionexamen = 22) "
                    "AND (Factura.fecha >= '2013-08-20')"),
                QStringLiteral("no caller; a saved query with a fixed exam and date"));
     c << shaped(QStringLiteral("rsrorden"), OPT, shapeRorden(),
@@ -493,7 +495,7 @@ QList<CommandDef> build()
                    "WHERE Pacientes.cod_paciente = Factura.cod_paciente "
                    "AND Factura.factura = FacturaDetalle.factura "
                    "AND Examenes.cod_descripcionexamen = FacturaDetalle.cod_descripcionexamen "
-                   "AND (FacturaDetalle.evaluado = 1) AND (Factura.cod_paciente = 121)"),
+                   "AND (FacturaDetalle.evaluado = TRUE) AND (Factura.cod_paciente = 121)"),
                QStringLiteral("no caller; a saved query with a fixed patient"));
     c << shaped(QStringLiteral("rscuentascliente_Grouping"), RO, shapeCuentascliente(),
                 QStringLiteral("open invoices by insurer and patient (DataReport24)"));

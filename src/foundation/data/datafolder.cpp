@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTemporaryFile>
@@ -41,6 +42,22 @@ QString resolveDataFolder(const QStringList& arguments)
 }
 
 QString storePath() { return QDir(g_folder).filePath(QStringLiteral("lab.db")); }
+
+QString serverConfPath() { return QDir(g_folder).filePath(QStringLiteral("servidor.conf")); }
+
+QString serverConnectionText()
+{
+    QFile file(serverConfPath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return {};
+    QStringList parts;
+    for (const QByteArray& raw : file.readAll().split('\n')) {
+        const QString line = QString::fromUtf8(raw).trimmed();
+        if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')))
+            parts << line;
+    }
+    return parts.join(QLatin1Char(' '));
+}
 
 QString logoPath() { return QDir(g_folder).filePath(QStringLiteral("logo.jpg")); }
 

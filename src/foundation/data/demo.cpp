@@ -27,7 +27,7 @@ public:
     // Runs one statement with bound values; returns the key the store gave.
     QVariant run(const QString& sql, const QVariantList& binds = {})
     {
-        return schema::run(m_db, sql, binds, kFailure).lastInsertId();
+        return schema::insertedByDriver(schema::run(m_db, sql, binds, kFailure));
     }
 
     QVariant scalar(const QString& sql, const QVariantList& binds = {})
@@ -456,7 +456,10 @@ void fillDemo(const QSqlDatabase& conn)
             "La base de datos ya tiene pacientes o exámenes: los datos de demostración solo se "
             "cargan en una base de datos nueva, para no mezclarlos con datos reales."));
 
-    schema::inTransaction(db, kFailure, [&] { fill(w); });
+    schema::inTransaction(db, kFailure, [&] {
+        fill(w);
+        schema::syncCounters(db);   // codes given here are not given again
+    });
 }
 
 }  // namespace tq

@@ -2,6 +2,8 @@
 // the condition the store runs in its place.
 #include "foundation/data/filter_p.h"
 
+#include "foundation/data/amb1.h"
+
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
 
@@ -595,7 +597,8 @@ MaybePart datePart(Op op, const QString& col, const QDate& d)
 // values of the kind the condition speaks of; the others pass to memory.
 MaybePart onlyForTypes(const MaybePart& part, const QString& col, const char* storeTypes)
 {
-    if (!part)
+    // The server types every column, so it has none of these.
+    if (!part || amb1().engine() == Engine::Server)
         return std::nullopt;
     return plain(QStringLiteral("(typeof(%1) NOT IN (%2) OR %3)")
                      .arg(col, QLatin1String(storeTypes), part->sql),
@@ -640,8 +643,8 @@ MaybePart leafPart(const Condition& c, const QString& col, ColumnKind kind)
         if ((lit.kind == Literal::Bool || lit.kind == Literal::Number)
             && (c.op == Op::Eq || c.op == Op::Ne)) {
             const bool truth = lit.kind == Literal::Bool ? lit.truth : lit.number != 0.0;
-            return plain(col + ((c.op == Op::Eq) == truth ? QStringLiteral(" <> 0")
-                                                          : QStringLiteral(" = 0")));
+            return plain(col + ((c.op == Op::Eq) == truth ? QStringLiteral(" = TRUE")
+                                                          : QStringLiteral(" = FALSE")));
         }
         return std::nullopt;
     case ColumnKind::Number:

@@ -4,8 +4,10 @@
 #include "foundation/base/passwords.h"
 
 #include <QDate>
+#include <QHash>
 #include <QList>
 #include <QPair>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -418,6 +420,13 @@ QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& bi
               const QString& failure)
 {
     QSqlQuery q(db);
+    // Without values the statement runs as it stands: the server's driver
+    // prepares only queries, not the statements that make tables.
+    if (binds.isEmpty()) {
+        if (!q.exec(sql))
+            throw DbError(failure, q.lastError().text(), sql);
+        return q;
+    }
     if (!q.prepare(sql))
         throw DbError(failure, q.lastError().text(), sql);
     for (int i = 0; i < binds.size(); ++i)
@@ -427,22 +436,36 @@ QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& bi
     return q;
 }
 
+QVariant insertedByDriver(const QSqlQuery& q)
+{
+    const QSqlDriver* driver = q.driver();
+    if (driver && driver->dbmsType() == QSqlDriver::PostgreSQL)
+        return {};
+    return q.lastInsertId();
+}
+
 void inTransaction(const QSqlDatabase& conn, const QString& failure,
                    const std::function<void()>& work)
 {
     QSqlDatabase db = conn;
     if (!db.isOpen())
         throw DbError(failure, QStringLiteral("la conexión no está abierta"));
-    // When the caller already holds a transaction on this connection, the
-    // driver refuses a second one and the caller's transaction covers the work.
-    const bool own = db.transaction();
+    // When the caller already holds a transaction begun here, it covers the
+    // work (the embedded store's driver would refuse a second one, and the
+    // server's would warn and go on inside the first).
+    static QHash<QString, int> open;   // connection -> levels begun here
+    int& depth = open[db.connectionName()];
+    const bool own = depth == 0 && db.transaction();
+    ++depth;
     try {
         work();
     } catch (...) {
+        --depth;
         if (own)
             db.rollback();
         throw;
     }
+    --depth;
     if (own && !db.commit()) {
         const QString detail = db.lastError().text();
         db.rollback();
@@ -470,6 +493,49 @@ QStringList columnNames(const QString& table)
         break;
     }
     return out;
+}
+
+QString counterColumn(const QString& table)
+{
+    for (const Table& t : tables()) {
+        if (table.compare(QLatin1String(t.name), Qt::CaseInsensitive) != 0)
+            continue;
+        for (const Column& c : t.columns)
+            if (QLatin1String(c.type) == QLatin1String(kCounter))
+                return QString::fromLatin1(c.name);
+        break;
+    }
+    return {};
+}
+
+void syncCounter(const QSqlDatabase& db, const QString& table)
+{
+    if (!db.driverName().startsWith(QLatin1String("QPSQL")))
+        return;   // the embedded store's counters follow the highest key themselves
+    const QString column = counterColumn(table).toLower();
+    if (column.isEmpty())
+        return;
+    const QString name = table.toLower();
+    // The sequence behind the counter; the server names it after both.
+    QSqlQuery named = run(db, QStringLiteral("SELECT pg_get_serial_sequence('%1', '%2')")
+                                  .arg(name, column),
+                          {}, QStringLiteral("No se encontró el contador de %1.").arg(table));
+    const QString sequence = named.next() ? named.value(0).toString() : QString();
+    if (sequence.isEmpty())
+        return;
+    // Never backwards, as the embedded store's counters: a key once given is
+    // not given again, even when its row was deleted.
+    run(db, QStringLiteral("SELECT setval('%3', GREATEST(COALESCE((SELECT MAX(%2) FROM %1), 0), "
+                           "(SELECT CASE WHEN is_called THEN last_value ELSE last_value - 1 END "
+                           "FROM %3)) + 1, false)")
+                .arg(name, column, sequence),
+        {}, QStringLiteral("No se pudo poner al día el contador de %1.").arg(table));
+}
+
+void syncCounters(const QSqlDatabase& db)
+{
+    for (const Table& t : tables())
+        syncCounter(db, QString::fromLatin1(t.name));
 }
 
 bool isEmpty(const QSqlDatabase& db)
@@ -561,7 +627,7 @@ void seedFirstStart(const QSqlDatabase& db)
                 failure);
         const QVariant code =
             insertedKey(db, QStringLiteral("Empleados"), QStringLiteral("cod_empleado"),
-                        q.lastInsertId());
+                        insertedByDriver(q));
         for (int modulo = 1; modulo <= 3; ++modulo)
             run(db, QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) "
                                     "VALUES (?, ?)"),

@@ -14,6 +14,14 @@ QStringList tableNames();
 // Columns of a table as declared (empty for an unknown table).
 QStringList columnNames(const QString& table);
 
+// The column a table numbers by itself (its counter), or empty.
+QString counterColumn(const QString& table);
+// On the server, moves a table's counter past its highest key, so that keys
+// given by hand (a code typed, rows loaded) are never given again. Nothing
+// to do on the embedded store. Throws DbError.
+void syncCounter(const QSqlDatabase& db, const QString& table);
+void syncCounters(const QSqlDatabase& db);
+
 // True when the store has none of the system's tables yet.
 bool isEmpty(const QSqlDatabase& db);
 // The same, from the names of the tables the store holds.
@@ -36,6 +44,11 @@ void upgrade(const QSqlDatabase& db, const QStringList& present);
 // executed query (for its rows or the key it gave). Throws DbError(failure, ...).
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,
               const QString& failure);
+
+// The key the embedded store gave the last insert of `q`; nothing on the
+// server, whose driver would ask in a way that spoils the transaction (the
+// caller then reads the highest key).
+QVariant insertedByDriver(const QSqlQuery& q);
 
 // Runs `work` in one transaction on the connection (or inside the caller's,
 // when one is already open); rolls back and rethrows on failure, and throws

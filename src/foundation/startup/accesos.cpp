@@ -176,9 +176,15 @@ QString storeProblem() { return g_storeProblem; }
 
 QString storeClosedMessage()
 {
+    const bool server = !serverConnectionText().isEmpty();
     QString text = QStringLiteral("No se puede abrir la base de datos del laboratorio.\n");
-    text += g_storeProblem.isEmpty() ? QDir::toNativeSeparators(storePath()) : g_storeProblem;
-    text += QStringLiteral("\nRevise el archivo y su carpeta, y vuelva a iniciar el programa.");
+    text += !g_storeProblem.isEmpty() ? g_storeProblem
+            : server                  ? QStringLiteral("El servidor no respondió.")
+                                      : QDir::toNativeSeparators(storePath());
+    text += server ? QStringLiteral("\nRevise el servidor y la conexión escrita en servidor.conf, "
+                                    "y vuelva a iniciar el programa.")
+                   : QStringLiteral("\nRevise el archivo y su carpeta, y vuelva a iniciar el "
+                                    "programa.");
     return text;
 }
 

@@ -37,7 +37,11 @@ Opening& opening()
 QString openDataStore()
 {
     try {
-        amb1().openStore(storePath());
+        const QString server = serverConnectionText();
+        if (server.isEmpty())
+            amb1().openStore(storePath());
+        else
+            amb1().openServer(server);
     } catch (const DbError& e) {
         logLine(QStringLiteral("No se pudo abrir la base de datos: %1 | %2")
                     .arg(e.message(), e.detail()));
