@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS  ?= $(shell nproc)
 PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils \
-         postgresql postgresql-client libqt6sql6-psql
+         postgresql postgresql-client libqt6sql6-psql libpq-dev
 
 .PHONY: all deps configure build run test bench clean
 
