@@ -91,9 +91,20 @@ private slots:
         QCOMPARE(press(w, "guardar", sp), QStringList{"El nuevo seguro ha sido ingresado a sus datos"});
         QCOMPARE(value("SELECT Empresa || '/' || Cuenta FROM seguros WHERE Cod_Seguro = 5").toString(),
                  QString("Seguros O'Neil/11-22'3"));
+        // The proposed code, taken meanwhile at another station, moves on
+        // and is told; the other station's insurer stays as it saved it.
         QVERIFY(clickNamed(w, "agregar"));
         QCOMPARE(edit(w, "Text1")->text(), QString("6"));
-        QVERIFY(clickNamed(w, "cancelar"));
+        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (6, 'Otra Estación')");
+        retype(edit(w, "Text2"), "Seguros del Norte");
+        QCOMPARE(press(w, "guardar", sp),
+                 (QStringList{"El código de seguro 6 ya fue usado en otra estación; el seguro se "
+                              "guardó con el código 7.",
+                              "El nuevo seguro ha sido ingresado a sus datos"}));
+        QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = 7").toString(),
+                 QString("Seguros del Norte"));
+        QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = 6").toString(),
+                 QString("Otra Estación"));
 
         // A modify writes all but the code, with no duplicate test.
         clickRow(dg, dg->findRow("Cod_Seguro", 5));

@@ -124,21 +124,35 @@ void TempStore::reopen() const
 
 QString TempStore::where() const { return onServer() ? testDatabase() : dbPath(); }
 
+namespace {
+
+// The first value of `sql` on a store reached through a connection of its
+// own: a file (embedded store) or a server's connection text.
+QVariant firstValue(const QString& fileOrServer, bool server, const QString& sql)
+{
+    const QString name = QStringLiteral("tq_aparte");
+    QVariant v;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(
+            server ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE"), name);
+        if (server)
+            db.setConnectOptions(fileOrServer);
+        else
+            db.setDatabaseName(fileOrServer);
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql) && q.next())
+            v = q.value(0);
+    }
+    QSqlDatabase::removeDatabase(name);
+    return v;
+}
+
+}  // namespace
+
 QVariant queryCopy(const QString& file, const QString& sql)
 {
-    const QString name = QStringLiteral("tq_copia");
-    QVariant v;
-    if (!onServer()) {
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            db.setDatabaseName(file);
-            QSqlQuery q(db);
-            if (db.open() && q.exec(sql) && q.next())
-                v = q.value(0);
-        }
-        QSqlDatabase::removeDatabase(name);
-        return v;
-    }
+    if (!onServer())
+        return firstValue(file, false, sql);
     const QString restored = databaseName() + QStringLiteral("_copia");
     const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
                                                 testServer() + QStringLiteral(" dbname=postgres"));
@@ -150,35 +164,14 @@ QVariant queryCopy(const QString& file, const QString& sql)
                   {QStringLiteral("--no-owner"), QStringLiteral("--dbname=") + connection, file});
     if (!restore.waitForFinished(120000) || restore.exitCode() != 0)
         qWarning("pg_restore: %s", restore.readAllStandardError().constData());
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-        db.setConnectOptions(connection);
-        QSqlQuery q(db);
-        if (db.open() && q.exec(sql) && q.next())
-            v = q.value(0);
-    }
-    QSqlDatabase::removeDatabase(name);
+    const QVariant v = firstValue(connection, true, sql);
     mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(restored));
     return v;
 }
 
 QVariant TempStore::query(const QString& sql) const
 {
-    const QString name = QStringLiteral("tq_aparte");
-    QVariant v;
-    {
-        QSqlDatabase db = onServer() ? QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name)
-                                     : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        if (onServer())
-            db.setConnectOptions(testDatabase());
-        else
-            db.setDatabaseName(dbPath());
-        QSqlQuery q(db);
-        if (db.open() && q.exec(sql) && q.next())
-            v = q.value(0);
-    }
-    QSqlDatabase::removeDatabase(name);
-    return v;
+    return firstValue(onServer() ? testDatabase() : dbPath(), onServer(), sql);
 }
 
 TempStore::~TempStore()
