@@ -98,8 +98,8 @@ private slots:
         amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (6, 'Otra Estación')");
         retype(edit(w, "Text2"), "Seguros del Norte");
         QCOMPARE(press(w, "guardar", sp),
-                 (QStringList{"El código de seguro 6 ya fue usado en otra estación; el seguro se "
-                              "guardó con el código 7.",
+                 (QStringList{"El código 6 ya fue usado en otra estación; el seguro se guardó "
+                              "con el código 7.",
                               "El nuevo seguro ha sido ingresado a sus datos"}));
         QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = 7").toString(),
                  QString("Seguros del Norte"));

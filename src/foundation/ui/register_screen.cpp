@@ -290,8 +290,40 @@ void RegisterScreen::save()
         restControls();
 }
 
+std::int32_t RegisterScreen::proposeNextCode(const QString& table, const QString& column)
+{
+    const QVariant last =
+        amb1().scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table));
+    m_proposedCode = last.isValid() && !last.isNull() ? toInt32(double(toInt32(last)) + 1) : 1;
+    return m_proposedCode;
+}
+
+std::int32_t RegisterScreen::takeCode(std::int32_t code, const QString& table,
+                                      const QString& column, const QString& takenMessage)
+{
+    m_movedFrom = -1;
+    const QVariant taken = amb1().scalar(
+        QStringLiteral("SELECT %1 FROM %2 WHERE %1 = ? LIMIT 1").arg(column, table), {code});
+    if (!taken.isValid())
+        return code;
+    if (code != m_proposedCode)
+        throw AppError(takenMessage);
+    m_movedFrom = code;
+    return toInt32(
+        double(toInt32(amb1().scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table))))
+        + 1);
+}
+
 void RegisterScreen::afterSave(int mode, const QVariant& newCode)
 {
+    if (mode == AddMode && m_movedFrom >= 0)
+        prompts().message(QStringLiteral("El código %1 ya fue usado en otra estación; %2 se guardó "
+                                         "con el código %3.")
+                              .arg(m_movedFrom)
+                              .arg(m_noun)
+                              .arg(newCode.toInt()),
+                          Icon::Information, messageTitle());
+    m_movedFrom = -1;
     if (mode == AddMode) {
         clearFields();
         reloadGrid();

@@ -138,6 +138,19 @@ protected:
     void enterEdit(int mode);
     // Shows a refusal: its message with its icon, the focus on its field.
     void refuse(const Refusal& r);
+
+    // A code proposed for a new row, as "last plus 1": the highest `column`
+    // of `table` plus 1 (1 on an empty table), remembered as the proposal.
+    std::int32_t proposeNextCode(const QString& table, const QString& column);
+    bool isProposedCode(std::int32_t code) const { return code == m_proposedCode; }
+    // Inside the add's transaction, which holds the store for writing: the
+    // code is checked again. The proposed one, taken meanwhile at another
+    // station, moves to the next free one, and the screen says so after the
+    // save; a code typed by hand and taken is refused with `takenMessage`
+    // (AppError). Returns the code to write.
+    std::int32_t takeCode(std::int32_t code, const QString& table, const QString& column,
+                          const QString& takenMessage);
+
     QString noun() const { return m_noun; }
     // "la lista de empleados" (or "la lista de registros").
     QString listPhrase() const;
@@ -161,6 +174,8 @@ private:
     QString m_listNoun;
     std::int16_t m_mode = NoMode;
     std::int32_t m_selectedCode = 0;
+    std::int32_t m_proposedCode = -1;   // the code proposed when the add began
+    std::int32_t m_movedFrom = -1;      // the proposal another station took meanwhile
     bool m_hasSelection = false;
     bool m_editing = false;
 };

@@ -66,10 +66,8 @@ void Fseguro::editStarted(int mode)
 {
     if (mode == AddMode) {
         // The next code is proposed; the user may type another.
-        const QVariant last = amb1().scalar(QStringLiteral("SELECT MAX(Cod_Seguro) FROM seguros"));
-        const std::int32_t next = last.isValid() && !last.isNull() ? toInt32(last) + 1 : 1;
-        m_proposed = next;
-        ui->Text1->setText(QString::number(next));
+        ui->Text1->setText(QString::number(
+            proposeNextCode(QStringLiteral("seguros"), QStringLiteral("Cod_Seguro"))));
         ui->Text1->setEnabled(true);
     } else {
         // A modify writes every field but the code.
@@ -128,7 +126,7 @@ std::optional<Refusal> Fseguro::validate(int mode)
         // told here, not left to the store to refuse. The proposed one, taken
         // meanwhile at another station, moves on at the save.
         const std::int32_t code = toInt32(ui->Text1->text());
-        if (code != m_proposed && amb1().scalar(QStringLiteral("SELECT Cod_Seguro FROM seguros WHERE Cod_Seguro = ?"),
+        if (!isProposedCode(code) && amb1().scalar(QStringLiteral("SELECT Cod_Seguro FROM seguros WHERE Cod_Seguro = ?"),
                           {code})
                 .isValid())
             return Refusal{QStringLiteral("Ya existe un seguro con el código %1.").arg(code),
@@ -137,22 +135,12 @@ std::optional<Refusal> Fseguro::validate(int mode)
     return std::nullopt;
 }
 
-// Inside the save's transaction, which holds the store for writing: the
-// code is checked again, and the proposed one, when another station took it
-// meanwhile, moves to the next free one.
 QVariant Fseguro::saveAdd()
 {
-    std::int32_t code = toInt32(ui->Text1->text());
-    m_movedFrom = -1;
-    if (amb1().scalar(QStringLiteral("SELECT Cod_Seguro FROM seguros WHERE Cod_Seguro = ?"), {code})
-            .isValid()) {
-        if (code != m_proposed)
-            throw AppError(QStringLiteral("Ya existe un seguro con el código %1.").arg(code));
-        m_movedFrom = code;
-        code = toInt32(
-            double(toInt32(amb1().scalar(QStringLiteral("SELECT MAX(Cod_Seguro) FROM seguros"))))
-            + 1);
-    }
+    const std::int32_t typed = toInt32(ui->Text1->text());
+    const std::int32_t code =
+        takeCode(typed, QStringLiteral("seguros"), QStringLiteral("Cod_Seguro"),
+                 QStringLiteral("Ya existe un seguro con el código %1.").arg(typed));
     amb1().insert(QStringLiteral("seguros"),
                   {QStringLiteral("Cod_Seguro"), QStringLiteral("Empresa"),
                    QStringLiteral("Contacto"), QStringLiteral("Tel"), QStringLiteral("Banco"),
@@ -204,18 +192,6 @@ QString Fseguro::deleteQuestion() const
 {
     return QStringLiteral("Esta seguro de querer eliminar el seguro");
 }
-void Fseguro::afterSave(int mode, const QVariant& newCode)
-{
-    if (mode == AddMode && m_movedFrom >= 0)
-        prompts().message(QStringLiteral("El código de seguro %1 ya fue usado en otra estación; el "
-                                         "seguro se guardó con el código %2.")
-                              .arg(m_movedFrom)
-                              .arg(newCode.toInt()),
-                          Icon::Information, messageTitle());
-    m_movedFrom = -1;
-    RegisterScreen::afterSave(mode, newCode);
-}
-
 QString Fseguro::addedMessage() const
 {
     return QStringLiteral("El nuevo seguro ha sido ingresado a sus datos");

@@ -34,10 +34,6 @@ protected:
     QString modifiedMessage() const override;
     QString deletedMessage() const override;
 
-    void afterSave(int mode, const QVariant& newCode) override;
-
 private:
     std::unique_ptr<Ui::Fseguro> ui;
-    std::int32_t m_proposed = -1;   // the code proposed when the add began
-    std::int32_t m_movedFrom = -1;  // the proposal another station took meanwhile
 };

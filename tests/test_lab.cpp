@@ -1,0 +1,202 @@
+// The laboratory's bench: the normal value a sheet prints for a parameter,
+// the patient class it is chosen by, and the parameter screen that keeps
+// the catalogue and its normal values.
+#include "testsupport.h"
+
+#include "foundation/data/amb1.h"
+#include "foundation/ui/datagrid.h"
+#include "lab/normalvalue.h"
+
+#include <QPointer>
+
+Q_DECLARE_METATYPE(tq::PatientClass)
+
+using namespace tq;
+using namespace tq::test;
+
+namespace {
+
+// Rows "3,4" of the table: populations present, in ascending order, each
+// with a value naming it.
+QList<NormalRow> rowsOf(const QString& present)
+{
+    static const QStringList names = {"", "hombre", "mujer", "niño", "unico"};
+    QList<NormalRow> rows;
+    for (const QString& p : present.split(',', Qt::SkipEmptyParts))
+        rows.append({std::int16_t(p.toInt()), names.at(p.toInt())});
+    return rows;
+}
+
+constexpr PatientClass kMan{false, 1}, kWoman{false, 2}, kUnknown{false, 0};
+constexpr PatientClass kBoy{true, 1}, kGirl{true, 2};
+
+// The stored normal values of a parameter, "population=value", in order.
+QStringList storedValues(int code)
+{
+    Recordset rs;
+    rs.open("SELECT cod_sexo, valor_normal FROM valparametros WHERE cod_parametro = ? "
+            "ORDER BY cod_sexo",
+            {code});
+    QStringList out;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+        out << rs.text("cod_sexo") + "=" + rs.text("valor_normal");
+    return out;
+}
+
+}  // namespace
+
+class TestLab : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Every row of the table of outcomes, the reading past the last row
+    // included (an empty cell), and a row with nothing typed.
+    void normalValueTable_data()
+    {
+        QTest::addColumn<QString>("rows");
+        QTest::addColumn<PatientClass>("who");
+        QTest::addColumn<QString>("shown");
+        const auto row = [](const char* tag, const char* rows, PatientClass who, const char* shown) {
+            QTest::newRow(tag) << QString(rows) << who << QString(shown);
+        };
+        row("none", "", kMan, "");
+        row("unico, man", "4", kMan, "unico");
+        row("unico, girl", "4", kGirl, "unico");
+        row("1,2 man", "1,2", kMan, "hombre");
+        row("1,2 woman", "1,2", kWoman, "mujer");
+        row("1,2 unknown sex", "1,2", kUnknown, "mujer");
+        row("1,2,3 boy", "1,2,3", kBoy, "hombre");
+        row("1,2,3 girl", "1,2,3", kGirl, "mujer");
+        row("1,2,3,4 girl", "1,2,3,4", kGirl, "mujer");
+        row("3,4 child", "3,4", kBoy, "niño");
+        row("3,4 adult", "3,4", kWoman, "unico");
+        row("1,4 man", "1,4", kMan, "hombre");
+        row("1,4 woman", "1,4", kWoman, "unico");
+        row("2 alone", "2", kWoman, "");
+        row("2,3", "2,3", kGirl, "");
+        row("2,4", "2,4", kMan, "");
+        row("3 alone, child", "3", kGirl, "niño");
+        row("3 alone, adult: past the end", "3", kMan, "");
+        row("1 alone, woman: past the end", "1", kWoman, "");
+        row("1 alone, man", "1", kMan, "hombre");
+    }
+    void normalValueTable()
+    {
+        QFETCH(QString, rows);
+        QFETCH(PatientClass, who);
+        QFETCH(QString, shown);
+        QCOMPARE(elegirValorNormal(rowsOf(rows), who), shown);
+    }
+
+    // A child by the year numbers, the adult flag over the age, the sex by
+    // its exact word; read from an invoice's patient.
+    void patientClassFromThePatient()
+    {
+        const QDate jan(2026, 1, 10);
+        QVERIFY(!patientClass("Femenino", QDate(2011, 12, 31), false, jan).esNino);   // 15 by years
+        QVERIFY(patientClass("Femenino", QDate(2012, 1, 1), false, jan).esNino);
+        QVERIFY(!patientClass("Masculino", QDate(2016, 5, 5), true, jan).esNino);     // eadulto
+        QCOMPARE(patientClass("Masculino", QDate(2000, 1, 1), false, jan).sexoCodigo, 1);
+        QCOMPARE(patientClass("Femenino", QDate(2000, 1, 1), false, jan).sexoCodigo, 2);
+        QCOMPARE(patientClass("masculino", QDate(2000, 1, 1), false, jan).sexoCodigo, 0);
+
+        TempStore store;
+        const int boy = amb1().insert("Pacientes", {"nombre_paciente", "sexo", "fecha_nacimiento",
+                                                    "eadulto"},
+                                      {"Leo", "Masculino", QDate(2020, 3, 1), false}).toInt();
+        amb1().insert("Factura", {"factura", "cod_paciente"}, {7, boy});
+        const PatientClass c = patientClassOfInvoice(7, jan);
+        QVERIFY(c.esNino);
+        QCOMPARE(c.sexoCodigo, 1);
+        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
+                      {3, 3, "11 - 14 g/dL"});
+        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
+                      {3, 4, "12 - 16 g/dL"});
+        QCOMPARE(elegirValorNormal(3, c), QString("11 - 14 g/dL"));
+        QCOMPARE(elegirValorNormal(3, PatientClass{}), QString("12 - 16 g/dL"));   // a reprint
+        QCOMPARE(elegirValorNormal(99, c), QString());
+    }
+
+    // The parameter screen: the code proposed, normal values stored with the
+    // unit behind them and shown back without it, a blank more on every
+    // modify, a cleared population gone, names checked only when adding.
+    void parameterScreen()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        QPointer<QWidget> w = openScreen("mparametros");
+        QCOMPARE(sp.messages(),
+                 QStringList{"No existe ningun parametro ingresado hasta el momento "});
+        sp.clear();
+        QVERIFY(clickNamed(w, "agregar"));
+        QCOMPARE(edit(w, "Text1")->text(), QString("1"));
+        retype(edit(w, "Text1"), "");
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe Ingresar el Codigo."});
+        retype(edit(w, "Text1"), "1");
+        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe Ingresar el Nombre."});
+        retype(edit(w, "Text2"), "  Hemoglobina ");
+        retype(edit(w, "Text3"), "g/dL");
+        retype(edit(w, "Text5"), "13 - 17");
+        retype(edit(w, "Text6"), "12 - 15");
+        QCOMPARE(press(w, "guardar", sp),
+                 QStringList{"El nuevo parametro ha sido ingresado a sus datos"});
+        QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 1").toString(),
+                 QString("Hemoglobina"));
+        QCOMPARE(storedValues(1), (QStringList{"1=13 - 17 g/dL", "2=12 - 15 g/dL"}));
+
+        // The same name, trimmed, is refused on an add and the name cleared.
+        QVERIFY(clickNamed(w, "agregar"));
+        QCOMPARE(edit(w, "Text1")->text(), QString("2"));
+        retype(edit(w, "Text2"), "Hemoglobina  ");
+        QCOMPARE(press(w, "guardar", sp),
+                 QStringList{"El nombre de ese Parametro ya existe, verifique el nombre"});
+        QCOMPARE(edit(w, "Text2")->text(), QString());
+        retype(edit(w, "Text2"), "Color");
+        QCOMPARE(press(w, "guardar", sp),
+                 QStringList{"El nuevo parametro ha sido ingresado a sus datos"});
+        QCOMPARE(storedValues(2), QStringList());   // nothing typed, no row
+
+        // Shown back with the blank before the unit kept; a modify writes a
+        // blank more, and a population cleared is gone.
+        auto* grid = control<DataGrid>(w, "DataGrid1");
+        clickRow(grid, grid->findRow("cod_parametro", 1));
+        QCOMPARE(edit(w, "Text5")->text(), QString("13 - 17 "));
+        QVERIFY(clickNamed(w, "modificar"));
+        retype(edit(w, "Text6"), "");
+        retype(edit(w, "Text2"), "Color");   // a modify checks no name
+        QCOMPARE(press(w, "guardar", sp), QStringList{"El parametro ha sido modificado exitosamente"});
+        QCOMPARE(storedValues(1), QStringList{"1=13 - 17  g/dL"});
+        QCOMPARE(elegirValorNormal(1, kWoman), QString());   // past the man's row: nothing
+
+        // In a template, in any version, it stays; otherwise it goes, its
+        // normal values behind it, and the first row left is shown.
+        amb1().insert("PlantillaParametro", {"Cod_Plantilla", "cod_Parametro", "version", "orden"},
+                      {2, 1, 1, 1});
+        clickRow(grid, grid->findRow("cod_parametro", 1));
+        QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
+                 QStringList{"No puede eliminar el parametro porque tiene formato aplicado"});
+        amb1().execute("DELETE FROM PlantillaParametro");
+        QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
+                 (QStringList{"Esta seguro que desea eliminar el parametro",
+                              "El Parametro a sido eliminado ha sido Eliminado"}));
+        QCOMPARE(rowsIn("parametros"), 1);
+        QCOMPARE(storedValues(1), QStringList{"1=13 - 17  g/dL"});
+        QCOMPARE(edit(w, "Text1")->text(), QString("2"));
+
+        // The proposed code, taken meanwhile at another station, moves on.
+        QVERIFY(clickNamed(w, "agregar"));
+        QCOMPARE(edit(w, "Text1")->text(), QString("3"));
+        amb1().execute("INSERT INTO parametros (cod_parametro, parametro) VALUES (3, 'Glucosa')");
+        retype(edit(w, "Text2"), "Urea");
+        QCOMPARE(press(w, "guardar", sp),
+                 (QStringList{"El código 3 ya fue usado en otra estación; el parámetro se guardó "
+                              "con el código 4.",
+                              "El nuevo parametro ha sido ingresado a sus datos"}));
+        QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 4").toString(),
+                 QString("Urea"));
+        w->close();
+    }
+};
+
+QTEST_MAIN(TestLab)
+#include "test_lab.moc"
