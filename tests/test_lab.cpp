@@ -1,11 +1,16 @@
 // The laboratory's bench: the normal value a sheet prints for a parameter,
-// the patient class it is chosen by, and the parameter screen that keeps
-// the catalogue and its normal values.
+// the patient class it is chosen by, the parameter screen that keeps the
+// catalogue and its normal values, and the editor of the grid templates.
 #include "testsupport.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
 #include "lab/normalvalue.h"
+#include "lab/templates.h"
+
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
 
 #include <QPointer>
 
@@ -194,6 +199,82 @@ private slots:
                               "El nuevo parametro ha sido ingresado a sus datos"}));
         QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 4").toString(),
                  QString("Urea"));
+        w->close();
+    }
+
+    // The template editor: the latest version shown, adds after the chosen
+    // row (a line break twice, any other name once, in silence), moves, the
+    // critical question, and a new version on every save, the same list too.
+    void templateEditor()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        for (const char* name : {"Hemoglobina", "Hematocrito", "_____SALTO DE LINEA_____", "Plaquetas"})
+            amb1().insert("parametros", {"cod_parametro", "parametro"},
+                          {rowsIn("parametros") + 1, name});
+        QCOMPARE(saveTemplateVersion(kHematologia, {"Hemoglobina", "Hematocrito"}), 1);
+        QPointer<QWidget> w = openScreen("relplapar");
+        auto* combo = control<QComboBox>(w, "Combo1");
+        QCOMPARE(combo->count(), 4);   // the prompt and the three grid templates
+        auto* list1 = control<QListWidget>(w, "List1");
+        auto* list2 = control<QListWidget>(w, "List2");
+        const auto shown = [&] {
+            QStringList out;
+            for (int i = 0; i < list2->count(); ++i)
+                out << list2->item(i)->text();
+            return out;
+        };
+        const auto pickLeft = [&](const QString& name) {
+            list1->setCurrentItem(list1->findItems(name, Qt::MatchExactly).value(0));
+        };
+        QCOMPARE(press(w, "Command4", sp),
+                 QStringList{"Seleccione un formato antes de agregar parametros"});
+
+        pickEntry(combo, "Hematologia");
+        QCOMPARE(shown(), (QStringList{"Hemoglobina", "Hematocrito"}));
+        QVERIFY(!control<QPushButton>(w, "Command8")->isEnabled());
+        list2->setCurrentRow(0);
+        pickLeft("Plaquetas");
+        QVERIFY(clickNamed(w, "Command4"));
+        pickLeft("_____SALTO DE LINEA_____");
+        QVERIFY(clickNamed(w, "Command4"));
+        QVERIFY(clickNamed(w, "Command4"));
+        pickLeft("Hemoglobina");
+        QCOMPARE(press(w, "Command4", sp), QStringList());
+        QCOMPARE(shown(), (QStringList{"Hemoglobina", "Plaquetas", "_____SALTO DE LINEA_____",
+                                       "_____SALTO DE LINEA_____", "Hematocrito"}));
+        list2->setCurrentRow(4);
+        QVERIFY(clickNamed(w, "Command2"));   // nothing below the last
+        QVERIFY(clickNamed(w, "Command1"));
+        list2->setCurrentRow(2);
+        QVERIFY(clickNamed(w, "Command5"));
+        QCOMPARE(list2->currentRow(), 2);
+        QCOMPARE(shown(), (QStringList{"Hemoglobina", "Plaquetas", "Hematocrito",
+                                       "_____SALTO DE LINEA_____"}));
+
+        // No to the critical question writes nothing; Yes, a version 2.
+        QCOMPARE(press(w, "Command8", sp, Answer::No).size(), 1);
+        QVERIFY(sp.prompts.first().text.contains("Modificacion Critica del Sistema"));
+        QCOMPARE(latestVersion(kHematologia), 1);
+        QCOMPARE(press(w, "Command8", sp, Answer::Yes).last(),
+                 QString("El formato de Hematologia se ha guardado con la version 2"));
+        QVERIFY(!control<QPushButton>(w, "Command8")->isEnabled());
+        QStringList stored;
+        for (const TemplateParameter& p : templateParameters(kHematologia, 2))
+            stored << p.parametro;
+        QCOMPARE(stored, shown());
+        QCOMPARE(templateParameters(kHematologia, 1).size(), 2);   // the old version stays
+
+        // The same list again (up and back down) is a version 3; cancel
+        // empties the editor.
+        QVERIFY(clickNamed(w, "Command1"));
+        QVERIFY(clickNamed(w, "Command2"));
+        QCOMPARE(shown(), stored);
+        QCOMPARE(press(w, "Command8", sp, Answer::Yes).last(),
+                 QString("El formato de Hematologia se ha guardado con la version 3"));
+        QVERIFY(clickNamed(w, "Command6"));
+        QCOMPARE(combo->currentIndex(), 0);
+        QCOMPARE(list2->count(), 0);
         w->close();
     }
 };
