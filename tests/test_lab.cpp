@@ -1,12 +1,15 @@
 // The laboratory's bench: the normal value a sheet prints for a parameter,
 // the patient class it is chosen by, the parameter screen that keeps the
-// catalogue and its normal values, and the editor of the grid templates.
+// catalogue and its normal values, the editor of the grid templates, and
+// the work table's closing of exams and clean-up.
 #include "testsupport.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
 #include "lab/normalvalue.h"
 #include "lab/templates.h"
+#include "lab/worktable.h"
+#include "foundation/base/values.h"
 
 #include <QComboBox>
 #include <QListWidget>
@@ -275,6 +278,52 @@ private slots:
         QVERIFY(clickNamed(w, "Command6"));
         QCOMPARE(combo->currentIndex(), 0);
         QCOMPARE(list2->count(), 0);
+        w->close();
+    }
+
+    // Closing waiting exams: two units of one line close onto that line, a
+    // closed exam is no longer there to close, a printed sheet marks its
+    // lines; "Limpiar mesa" empties the table and touches no line.
+    void workTable()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        amb1().insert("Factura", {"factura", "cod_paciente"}, {40001, 1});
+        amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
+                      {40001, 2, 7});
+        amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
+                      {40001, 1, 8});
+        QList<int> waiting;
+        for (int exam : {7, 7, 8})
+            waiting << amb1().insert("EvaluadoTemporal",
+                                     {"factura", "cod_descripcionexamen", "examen"},
+                                     {40001, exam, "Examen"}).toInt();
+        const QDate day(2026, 11, 23);
+        QVERIFY(cerrarExamen(40001, waiting[0], 5, "ana", day));
+        QVERIFY(cerrarExamen(40001, waiting[1], 6, "luis", day));
+        QVERIFY(!cerrarExamen(40001, waiting[1], 6, "luis", day));
+        QCOMPARE(rowsIn("EvaluadoTemporal"), 1);
+        Recordset line;
+        line.open("SELECT evaluado, tecnico, iduniversalformato, fecha_llenado, num_impresion "
+                  "FROM FacturaDetalle WHERE cod_descripcionexamen = 7");
+        QCOMPARE(line.recordCount(), 1);
+        QCOMPARE(line.field("evaluado").toInt(), 1);
+        QCOMPARE(line.text("tecnico"), QString("luis"));   // the later closing wins
+        QCOMPARE(line.field("iduniversalformato").toInt(), 6);
+        QCOMPARE(storedDate(line.field("fecha_llenado")), day);
+        marcarImpresion(6);
+        marcarImpresion(0);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE num_impresion = 1"), 1);
+
+        QPointer<QWidget> w = openScreen("Flimpiatemporales");
+        QCOMPARE(press(w, "Command1", sp, Answer::No), QStringList{"esta seguro de hacer esto"});
+        QCOMPARE(rowsIn("EvaluadoTemporal"), 1);
+        QCOMPARE(press(w, "Command1", sp, Answer::Yes),
+                 (QStringList{"esta seguro de hacer esto",
+                              "la mesa de trabajo se limpio exitosamente"}));
+        QCOMPARE(rowsIn("EvaluadoTemporal"), 0);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE evaluado = TRUE"), 1);
+        QCOMPARE(press(w, "Command1", sp, Answer::Yes), QStringList{"esta seguro de hacer esto"});
         w->close();
     }
 };

@@ -50,6 +50,11 @@ QString toServer(const QString& sql)
 
 }  // namespace
 
+QString rowIdentity(Engine engine)
+{
+    return engine == Engine::Server ? QStringLiteral("ctid") : QStringLiteral("rowid");
+}
+
 QString adapted(const QString& sql, Engine engine)
 {
     if (engine == Engine::Embedded)
