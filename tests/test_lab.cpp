@@ -315,6 +315,20 @@ private slots:
         marcarImpresion(0);
         QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE num_impresion = 1"), 1);
 
+        // A sheet's numbers: the format id proposed, moved on when another
+        // bench saved under it meanwhile; the sheet number per invoice.
+        QCOMPARE(proposeFormatId(), 1);
+        QCOMPARE(nextNumFormato(40001), 1);
+        amb1().insert("resultados", {"num_factura", "NumFormato", "Cod_Plantilla", "celda",
+                                     "iduniversalformato", "valor"},
+                      {40001, 1, 2, 1, 1, "14"});
+        const TakenFormatId taken = takeFormatId(1);
+        QVERIFY(taken.moved);
+        QCOMPARE(taken.id, 2);
+        QVERIFY(!takeFormatId(2).moved);
+        QCOMPARE(nextNumFormato(40001), 2);
+        QCOMPARE(nextNumFormato(40002), 1);
+
         QPointer<QWidget> w = openScreen("Flimpiatemporales");
         QCOMPARE(press(w, "Command1", sp, Answer::No), QStringList{"esta seguro de hacer esto"});
         QCOMPARE(rowsIn("EvaluadoTemporal"), 1);
