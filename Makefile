@@ -35,7 +35,8 @@ test: build
 # Times every path a user waits on against the same SQL run bare, on a large
 # store made once in $(BUILD)/bench/; fails when a path misses its target.
 # ARGS="--only TEXT" times only the paths whose name holds TEXT; "--rebuild"
-# makes the store again.
+# makes the store again; "--motor postgresql" runs every path on a copy of the
+# store on a private PostgreSQL server (in build/bench/, kept between runs).
 bench: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ./bench/tarvenquil_bench $(ARGS)
 

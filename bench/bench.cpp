@@ -133,10 +133,10 @@ Outcome Bench::measure(const Path& path)
     if (path.after) {
         try {
             path.after();
-        } catch (const std::exception& e) {
-            o.problem = QStringLiteral("could not clean up: ") + QString::fromLocal8Bit(e.what());
         } catch (const tq::AppError& e) {
             o.problem = QStringLiteral("could not clean up: ") + e.message();
+        } catch (const std::exception& e) {
+            o.problem = QStringLiteral("could not clean up: ") + QString::fromLocal8Bit(e.what());
         }
     }
     return o;

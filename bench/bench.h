@@ -1,15 +1,17 @@
 #pragma once
 // The paths a user waits on, each timed through the program's own code and
-// beside it its floor: the same SQL run bare through SQLite's C API on the
-// same store. A path is a name, the two pieces of work and a target; each
-// area of the program adds its paths in a few lines (paths_*.cpp).
+// beside it its floor: the same SQL run bare on the same store (SQLite's C
+// API on the store file, libpq on the server; bare.h). A path is a name, the
+// two pieces of work and a target; each area of the program adds its paths in
+// a few lines (paths_*.cpp).
+#include "bare.h"
+
 #include "foundation/data/amb1.h"
 
 #include <QDate>
 #include <QString>
 #include <QStringList>
 #include <functional>
-#include <sqlite3.h>
 #include <vector>
 
 class QTextStream;
@@ -41,7 +43,7 @@ using Work = std::function<qint64()>;
 struct Path {
     QString name;
     Work run;     // through the program's code, as its screen runs it
-    Work floor;   // the same SQL through SQLite's C API
+    Work floor;   // the same SQL bare, on the same engine
     Target target = Target::withinFloor();
     QString note = {};   // printed under the table when set
     // run and floor each start a whole process and return the microseconds
@@ -53,9 +55,9 @@ struct Path {
 
 // What every path may use.
 struct Context {
-    QString storePath;     // lab.db
-    QString dataFolder;    // its folder, given to the program with --data
-    sqlite3* bare = nullptr;   // a connection of its own for the floors
+    StoreAt store;         // the store the program has open: lab.db, or the server's copy
+    QString dataFolder;    // given to the program with --data (a servidor.conf on the server)
+    Connection* bare = nullptr;   // a connection of its own for the floors
     int invoice = 0;       // an invoice in the middle of the store
     QDate cutDay;          // that invoice's day
     QString user;          // an employee with the right to enter

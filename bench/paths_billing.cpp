@@ -77,7 +77,7 @@ InvoiceScreen& invoiceScreen()
 }
 
 // The lowest priced exams of insurer 1's list.
-std::vector<int> listedExams(sqlite3* db, int count)
+std::vector<int> listedExams(Connection* db, int count)
 {
     Stmt s(db, "SELECT Cod_descripcionexamen FROM RelSeguroPrecios WHERE cod_seguro = 1 "
                "ORDER BY Cod_descripcionexamen LIMIT ?");
@@ -89,7 +89,7 @@ std::vector<int> listedExams(sqlite3* db, int count)
 }
 
 // The price of one exam at two units, in cents, read bare.
-qint64 priceFloor(sqlite3* db, const char* sql, const std::vector<int>& binds)
+qint64 priceFloor(Connection* db, const char* sql, const std::vector<int>& binds)
 {
     Stmt s(db, sql);
     for (int i = 0; i < int(binds.size()); ++i)
@@ -107,7 +107,7 @@ qint64 priceFloor(sqlite3* db, const char* sql, const std::vector<int>& binds)
 constexpr qint64 kOursFrom = 2'000'000'000;
 constexpr qint64 kBareFrom = 2'100'000'000;
 
-void removeSaved(sqlite3* db)
+void removeSaved(Connection* db)
 {
     for (const char* table : {"Factura", "FacturaDetalle", "cxc", "creditos", "Datostarjeta", "EvaluadoTemporal"}) {
         Stmt del(db, QStringLiteral("DELETE FROM %1 WHERE factura >= ?").arg(QLatin1String(table)));
@@ -120,7 +120,7 @@ void removeSaved(sqlite3* db)
 // Saving a 5-line invoice charged to the insurer, as the bare store would:
 // the number checked, the invoice, its lines, cxc, the first instalment, and
 // one work-table row per unit (the first line at two units).
-qint64 saveFloor(sqlite3* db, qint64 number, int patient, const std::vector<int>& exams)
+qint64 saveFloor(Connection* db, qint64 number, int patient, const std::vector<int>& exams)
 {
     execBare(db, "BEGIN");
     qint64 rows = 0;
@@ -281,7 +281,7 @@ void addBillingPaths(Bench& bench, const Context& c)
     // work-table feed, each save committed as the desk commits it.
     const std::vector<int> five = listedExams(c.bare, 5);
     const int patient = int(scalarBare(c.bare, "SELECT MIN(cod_paciente) FROM Pacientes WHERE Cod_seguro = 1"));
-    auto writer = std::make_shared<sqlite3*>(nullptr);
+    auto writer = std::make_shared<Connection*>(nullptr);
     Target saveTarget = Target::withinFloor();
     saveTarget.ceilingMs = 50;
     bench.add({.name = QStringLiteral("invoice save, 5 lines to the insurer with the work table (factura3)"),
@@ -302,7 +302,7 @@ void addBillingPaths(Bench& bench, const Context& c)
                .floor = [c, five, patient, writer] {
                    static qint64 next = kBareFrom;
                    if (!*writer)
-                       *writer = openBare(c.storePath, false);
+                       *writer = openBare(c.store, false);
                    return saveFloor(*writer, next++, patient, five);
                },
                .target = saveTarget,
@@ -310,7 +310,7 @@ void addBillingPaths(Bench& bench, const Context& c)
                                       "are taken away afterwards"),
                .after = [c, writer] {
                    if (!*writer)
-                       *writer = openBare(c.storePath, false);
+                       *writer = openBare(c.store, false);
                    removeSaved(*writer);
                    closeBare(*writer);
                    *writer = nullptr;

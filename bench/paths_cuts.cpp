@@ -57,7 +57,7 @@ void addCutPaths(Bench& bench, const Context& c)
 
     // Form8: the cut of a month.
     const QString cutSql = narrowedSource(QStringLiteral("rsrcorte_Grouping"), QString(),
-                                          QStringLiteral("Factura.anulada = 0") + period);
+                                          QStringLiteral("Factura.anulada = FALSE") + period);
     bench.add({.name = QStringLiteral("rsrcorte_Grouping, a month (Form8)"),
                .run = [=] {
                    return walk(openFiltered(QStringLiteral("rsrcorte_Grouping"),
@@ -81,7 +81,7 @@ void addCutPaths(Bench& bench, const Context& c)
     // interfactanuladas: the voided invoices of a month.
     const QString voidedSql = narrowedQuery(
         QStringLiteral("rsfactanuladas"),
-        QStringLiteral("anulada = 1 AND fecha >= ? AND fecha <= ?"));
+        QStringLiteral("anulada = TRUE AND fecha >= ? AND fecha <= ?"));
     bench.add({.name = QStringLiteral("rsfactanuladas, a month"),
                .run = [=] {
                    return walk(openFiltered(QStringLiteral("rsfactanuladas"),
@@ -93,7 +93,7 @@ void addCutPaths(Bench& bench, const Context& c)
 
     // Form29: the profit of every line billed in a week.
     const QString profitSql = narrowedQuery(QStringLiteral("rsRepFacgan"),
-                                            QStringLiteral("Factura.anulada = 0") + period);
+                                            QStringLiteral("Factura.anulada = FALSE") + period);
     bench.add({.name = QStringLiteral("rsRepFacgan, a week (Form29)"),
                .run = [=] {
                    return walk(openFiltered(QStringLiteral("rsRepFacgan"),
@@ -147,8 +147,8 @@ void addCutPaths(Bench& bench, const Context& c)
     // Form33 by patient: the patient who owes on the most invoices.
     const int patient = int(scalarBare(
         c.bare, "SELECT cxc.Cod_paciente FROM cxc, Factura WHERE cxc.factura = Factura.factura "
-                "AND cxc.estado = 0 AND Factura.anulada = 0 GROUP BY cxc.Cod_paciente "
-                "ORDER BY count(*) DESC LIMIT 1"));
+                "AND cxc.estado = FALSE AND Factura.anulada = FALSE GROUP BY cxc.Cod_paciente "
+                "ORDER BY count(*) DESC, cxc.Cod_paciente LIMIT 1"));
     const QString patientSql = narrowedSource(QStringLiteral("rscuentascliente_Grouping"),
                                               QString(), QStringLiteral("cxc.Cod_paciente = ?"));
     bench.add({.name = QStringLiteral("rscuentascliente_Grouping, one patient (Form33)"),

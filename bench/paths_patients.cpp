@@ -57,7 +57,7 @@ const char* const kList =
 const char* const kOrder = " ORDER BY nombre_paciente LIMIT 50";
 
 // The list query and, for the first row, its insurer's name when it has one.
-qint64 listFloor(sqlite3* db, const QString& condition = {}, const QString& pattern = {})
+qint64 listFloor(Connection* db, const QString& condition = {}, const QString& pattern = {})
 {
     Stmt list(db, QLatin1String(kList) + condition + QLatin1String(kOrder));
     if (!condition.isEmpty())
@@ -170,7 +170,7 @@ void addPatientPaths(Bench& bench, const Context& c)
 
     // The first patient of the list is saved with the values it has, so the
     // store is the same afterwards.
-    sqlite3* writer = openBare(c.storePath, false);
+    Connection* writer = openBare(c.store, false);
     bench.add({.name = QStringLiteral("saving a patient, modify (Form5)"),
                .run = [] {
                    PatientScreen& s = patientScreen();

@@ -32,10 +32,10 @@ void addReportPaths(Bench& bench, const Context& c)
     static QTemporaryDir folder;
     const QString pdf = QDir(folder.path()).filePath(QStringLiteral("informe.pdf"));
     const QString daySql = narrowedSource(QStringLiteral("rsrcorte_Grouping"), QString(),
-                                          QStringLiteral("Factura.anulada = 0 AND Factura.fecha = ?"));
+                                          QStringLiteral("Factura.anulada = FALSE AND Factura.fecha = ?"));
     const QString monthSql = narrowedSource(
         QStringLiteral("rsrcorte_Grouping"), QString(),
-        QStringLiteral("Factura.anulada = 0 AND Factura.fecha >= ? AND Factura.fecha <= ?"));
+        QStringLiteral("Factura.anulada = FALSE AND Factura.fecha >= ? AND Factura.fecha <= ?"));
     const QString invoiceSql = narrowedSource(QStringLiteral("rsrfact1"), QStringLiteral("Command1"),
                                               QStringLiteral("FacturaDetalle.factura = ?"));
     const QString note = QStringLiteral(

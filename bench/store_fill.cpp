@@ -10,6 +10,8 @@
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 
+#include <sqlite3.h>
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
@@ -308,7 +310,7 @@ const char* const kBrands[] = {"BD", "Greiner", "Vacutest", "Roche", "Wiener Lab
 // on the order in which a compiler evaluates them.
 class Filler {
 public:
-    Filler(sqlite3* db, const Sizes& sizes) : m_db(db), m_sizes(sizes), m_rng(20240102) {}
+    Filler(Connection* db, const Sizes& sizes) : m_db(db), m_sizes(sizes), m_rng(20240102) {}
 
     void run()
     {
@@ -369,7 +371,7 @@ private:
             return std::nullopt;
         return make();
     }
-    std::int64_t lastKey() const { return sqlite3_last_insert_rowid(m_db); }
+    std::int64_t lastKey() const { return sqlite3_last_insert_rowid(m_db->file()); }
 
     void laboratory()
     {
@@ -1096,7 +1098,7 @@ private:
         }
     }
 
-    sqlite3* m_db;
+    Connection* m_db;
     Sizes m_sizes;
     Rng m_rng;
     std::vector<ExamType> m_types;
@@ -1117,7 +1119,7 @@ private:
 // The store's folder carries the fill's version and the tables and indexes
 // that the program makes in a new store, so that a change to either (a new
 // index among them) makes a new store.
-QString storeFolderName()
+QString storeKey()
 {
     QTemporaryDir probe;
     if (!probe.isValid())
@@ -1125,7 +1127,7 @@ QString storeFolderName()
     const QString path = probe.filePath(QStringLiteral("lab.db"));
     tq::amb1().openStore(path);
     tq::amb1().closeStore();
-    sqlite3* db = openBare(path, true);
+    Connection* db = openBare(StoreAt::file(path), true);
     QCryptographicHash hash(QCryptographicHash::Sha1);
     {
         Stmt schema(db, "SELECT type, name, sql FROM sqlite_master ORDER BY type, name");
@@ -1134,7 +1136,7 @@ QString storeFolderName()
                 hash.addData(schema.columnText(c).toUtf8());
     }
     closeBare(db);
-    return QStringLiteral("almacen-%1-%2")
+    return QStringLiteral("%1-%2")
         .arg(kFillVersion)
         .arg(QString::fromLatin1(hash.result().toHex().left(8)));
 }
@@ -1159,7 +1161,7 @@ Sizes Sizes::small()
 
 int probeInvoice(const Sizes& sizes) { return std::max(1, sizes.invoices / 2); }
 
-QDate invoiceDay(sqlite3* db, int invoice)
+QDate invoiceDay(Connection* db, int invoice)
 {
     Stmt day(db, "SELECT fecha FROM Factura WHERE factura = ?");
     day.bind(1, invoice);
@@ -1171,7 +1173,7 @@ QDate invoiceDay(sqlite3* db, int invoice)
 
 void fillStore(const QString& path, const Sizes& sizes)
 {
-    sqlite3* db = openBare(path, false);
+    Connection* db = openBare(StoreAt::file(path), false);
     try {
         // Speed only for the fill: a store cut short is thrown away anyway.
         execBare(db, "PRAGMA synchronous = OFF");
@@ -1181,7 +1183,7 @@ void fillStore(const QString& path, const Sizes& sizes)
         Filler(db, sizes).run();
         execBare(db, "COMMIT");
     } catch (...) {
-        sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_exec(db->file(), "ROLLBACK", nullptr, nullptr, nullptr);
         closeBare(db);
         throw;
     }
@@ -1191,8 +1193,8 @@ void fillStore(const QString& path, const Sizes& sizes)
 LargeStore largeStore(const QString& benchDir, bool rebuild)
 {
     LargeStore s;
-    const QString name = storeFolderName();
-    s.folder = QDir(benchDir).filePath(name);
+    s.key = storeKey();
+    s.folder = QDir(benchDir).filePath(QStringLiteral("almacen-") + s.key);
     s.path = QDir(s.folder).filePath(QStringLiteral("lab.db"));
     if (rebuild || !QFileInfo::exists(s.path)) {
         // Stores of earlier fills or schemas, and a half-made one, go.

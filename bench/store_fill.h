@@ -4,7 +4,8 @@
 // same seed always gives the same store.
 #include <QDate>
 #include <QString>
-#include <sqlite3.h>
+#include "bare.h"
+
 
 namespace bench {
 
@@ -36,7 +37,7 @@ inline const QString kSignOnPassword = QStringLiteral("Hemograma-2024");
 // The invoice in the middle of the store: the one printed, and whose day is cut.
 int probeInvoice(const Sizes& sizes);
 // The day of an invoice, as stored.
-QDate invoiceDay(sqlite3* db, int invoice);
+QDate invoiceDay(Connection* db, int invoice);
 
 // Fills a store that the program has just created (schema and first-start
 // rows only) in one transaction. Throws StoreError.
@@ -45,6 +46,7 @@ void fillStore(const QString& path, const Sizes& sizes);
 // The large store in `benchDir`: reused when an earlier run completed it,
 // otherwise made anew (a half-made one is thrown away).
 struct LargeStore {
+    QString key;               // the fill's version and the schema's fingerprint
     QString folder;            // the data folder, with lab.db inside
     QString path;              // lab.db
     qint64 bytes = 0;

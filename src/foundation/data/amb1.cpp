@@ -344,6 +344,17 @@ QString narrowedSql(const QString& sql, const StoreCondition& where, int depth)
     return QStringLiteral("SELECT * FROM (%1) AS %2 WHERE %3").arg(sql, alias, where.on(alias));
 }
 
+// A query read up to a number of rows. The embedded store steps no further
+// than the rows read; the server sends a whole result before its first row
+// is read, so it is told the limit, and neither plans for nor sends the rest.
+QString limitedSql(const QString& sql, int max)
+{
+    if (max <= 0 || currentEngine() != Engine::Server
+        || !sql.trimmed().startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive))
+        return sql;
+    return QStringLiteral("SELECT * FROM (%1) AS tqlim LIMIT %2").arg(sql).arg(max);
+}
+
 // The filter of a recordset as a condition on the rows its source reads
 // first: the rows of a plain or related result, or the rows that a grouped
 // result gathers (its groups' columns are theirs). None when no part of the
@@ -610,10 +621,12 @@ std::shared_ptr<Recordset::Data> fetch(const std::shared_ptr<const Source>& src,
         std::shared_ptr<Table> t;
         if (where) {
             const std::shared_ptr<const Described> names = describe(src->sql);
-            t = readAll(narrowedSql(src->sql, *where, 0), src->binds + where->binds,
-                        names ? &names->columns : nullptr, src->maxRecords);
+            t = readAll(limitedSql(narrowedSql(src->sql, *where, 0), src->maxRecords),
+                        src->binds + where->binds, names ? &names->columns : nullptr,
+                        src->maxRecords);
         } else {
-            t = readAll(src->sql, src->binds, nullptr, src->maxRecords);
+            t = readAll(limitedSql(src->sql, src->maxRecords), src->binds, nullptr,
+                        src->maxRecords);
         }
         if (!t)
             throw DbError(QStringLiteral("La consulta no devuelve filas."), QString(), src->sql);
@@ -646,7 +659,8 @@ void Recordset::open(const QString& sql, const QVariantList& binds, int maxRecor
     src->sql = sql;
     src->binds = binds;
     src->maxRecords = std::max(0, maxRecords);
-    std::shared_ptr<Table> t = readAll(sql, binds, nullptr, src->maxRecords);
+    std::shared_ptr<Table> t = readAll(limitedSql(sql, src->maxRecords), binds, nullptr,
+                                       src->maxRecords);
     if (!t) {
         // delete, update, insert: nothing to hold.
         close();
