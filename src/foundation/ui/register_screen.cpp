@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextEdit>
+#include <cmath>
 
 namespace tq {
 
@@ -296,6 +297,23 @@ std::int32_t RegisterScreen::proposeNextCode(const QString& table, const QString
         amb1().scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table));
     m_proposedCode = last.isValid() && !last.isNull() ? toInt32(double(toInt32(last)) + 1) : 1;
     return m_proposedCode;
+}
+
+std::optional<Refusal> RegisterScreen::codeRefusal(QLineEdit* field, const QString& of) const
+{
+    const QString typed = field->text().trimmed();
+    const Refusal refusal{QStringLiteral("El código %1 debe ser un número entero entre 0 y "
+                                         "2147483647.")
+                              .arg(of),
+                          field, Icon::Exclamation};
+    if (!isNumeric(typed) || Val(typed) < 0 || std::floor(Val(typed)) != Val(typed))
+        return refusal;
+    try {
+        (void)toInt32(typed);
+    } catch (const AppError&) {
+        return refusal;
+    }
+    return std::nullopt;
 }
 
 std::int32_t RegisterScreen::takeCode(std::int32_t code, const QString& table,

@@ -24,6 +24,7 @@
 
 class QAbstractButton;
 class QComboBox;
+class QLineEdit;
 
 namespace tq {
 
@@ -142,6 +143,10 @@ protected:
     // A code proposed for a new row, as "last plus 1": the highest `column`
     // of `table` plus 1 (1 on an empty table), remembered as the proposal.
     std::int32_t proposeNextCode(const QString& table, const QString& column);
+    // A code typed in `field` that is no whole number from 0 up, or too big
+    // for a code: refused with "El código <of> debe ser un número entero
+    // entre 0 y 2147483647." (`of`: "del seguro").
+    std::optional<Refusal> codeRefusal(QLineEdit* field, const QString& of) const;
     bool isProposedCode(std::int32_t code) const { return code == m_proposedCode; }
     // Inside the add's transaction, which holds the store for writing: the
     // code is checked again. The proposed one, taken meanwhile at another

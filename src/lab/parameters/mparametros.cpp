@@ -93,16 +93,8 @@ std::optional<Refusal> mparametros::validate(int mode)
         return Refusal{QStringLiteral("Debe Ingresar el Codigo."), ui->Text1, Icon::Exclamation};
     if (ui->Text2->text().isEmpty())
         return Refusal{QStringLiteral("Debe Ingresar el Nombre."), ui->Text2, Icon::Exclamation};
-    const QString notANumber = QStringLiteral(
-        "El código del parámetro debe ser un número entero entre 0 y 2147483647.");
-    const QString typed = ui->Text1->text().trimmed();
-    if (!isNumeric(typed) || Val(typed) < 0 || std::floor(Val(typed)) != Val(typed))
-        return Refusal{notANumber, ui->Text1, Icon::Exclamation};
-    try {
-        (void)toInt32(typed);
-    } catch (const AppError&) {
-        return Refusal{notANumber, ui->Text1, Icon::Exclamation};
-    }
+    if (const auto r = codeRefusal(ui->Text1, QStringLiteral("del parámetro")))
+        return r;
     // The same name, both trimmed, case counting.
     if (amb1().scalar(QStringLiteral("SELECT cod_parametro FROM parametros "
                                      "WHERE TRIM(parametro) = ? LIMIT 1"),

@@ -94,16 +94,8 @@ std::optional<Refusal> Fseguro::validate(int mode)
             return Refusal{QStringLiteral("Debe Ingresar el Codigo."), ui->Text1, Icon::Exclamation};
         if (ui->Text2->text().isEmpty())
             return Refusal{QStringLiteral("Debe Ingresar la Empresa."), ui->Text2, Icon::Exclamation};
-        const QString typed = ui->Text1->text();
-        const QString notANumber =
-            QStringLiteral("El código del seguro debe ser un número entero entre 0 y 2147483647.");
-        if (!isNumeric(typed) || Val(typed) < 0 || std::floor(Val(typed)) != Val(typed))
-            return Refusal{notANumber, ui->Text1, Icon::Exclamation};
-        try {
-            (void)toInt32(typed);
-        } catch (const AppError&) {
-            return Refusal{notANumber, ui->Text1, Icon::Exclamation};
-        }
+        if (const auto r = codeRefusal(ui->Text1, QStringLiteral("del seguro")))
+            return r;
     }
     const Width widths[] = {{ui->Text2, 100, "El nombre de la empresa"},
                             {ui->Text3, 60, "El contacto"},
@@ -125,7 +117,7 @@ std::optional<Refusal> Fseguro::validate(int mode)
         // The code is the table's key: a code typed that is already given is
         // told here, not left to the store to refuse. The proposed one, taken
         // meanwhile at another station, moves on at the save.
-        const std::int32_t code = toInt32(ui->Text1->text());
+        const std::int32_t code = toInt32(ui->Text1->text().trimmed());
         if (!isProposedCode(code) && amb1().scalar(QStringLiteral("SELECT Cod_Seguro FROM seguros WHERE Cod_Seguro = ?"),
                           {code})
                 .isValid())
@@ -137,7 +129,7 @@ std::optional<Refusal> Fseguro::validate(int mode)
 
 QVariant Fseguro::saveAdd()
 {
-    const std::int32_t typed = toInt32(ui->Text1->text());
+    const std::int32_t typed = toInt32(ui->Text1->text().trimmed());
     const std::int32_t code =
         takeCode(typed, QStringLiteral("seguros"), QStringLiteral("Cod_Seguro"),
                  QStringLiteral("Ya existe un seguro con el código %1.").arg(typed));
