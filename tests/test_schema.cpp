@@ -183,6 +183,9 @@ private slots:
         QVERIFY(!users.isEmpty());
         QVERIFY(tq::verifyPassword(scalar("SELECT Password FROM Empleados WHERE usuario = ?",
                                           {users.first()}).toString(), users.first()));
+        // Each of the six menus of the blank sheet holds a stored text.
+        QCOMPARE(count("SELECT COUNT(DISTINCT codigo_formatoblanco) FROM submenusformatoblanco"),
+                 6);
         // A second run is refused and adds nothing.
         QVERIFY_THROWS_EXCEPTION(tq::AppError, tq::fillDemo(db()));
         QCOMPARE(count("SELECT COUNT(*) FROM Pacientes"), patients);

@@ -434,6 +434,36 @@ void fill(Writer& w)
                   {code, modulo});
     }
 
+    // Stored page texts under each of the six menus of the blank sheet.
+    struct StoredText {
+        int menu;
+        const char* name;
+        const char* text;
+    };
+    static const StoredText kStoredTexts[] = {
+        {1, "Examen General de Heces",
+         "EXAMEN GENERAL DE HECES\n\nConsistencia:\nColor:\nMoco:\nSangre macroscopica:\n\n"
+         "Examen microscopico:\nLeucocitos:\nEritrocitos:\nParasitos:"},
+        {2, "Prueba de Embarazo en Sangre",
+         "PRUEBA DE EMBARAZO EN SANGRE (HCG CUALITATIVA)\n\nResultado:\n\nMetodo: "
+         "inmunocromatografia"},
+        {2, "VDRL", "V.D.R.L.\n\nResultado:\nDiluciones:"},
+        {3, "Perfil Lipidico",
+         "PERFIL LIPIDICO\n\nColesterol total:        mg/dL\nTrigliceridos:        mg/dL\n"
+         "HDL:        mg/dL\nLDL:        mg/dL"},
+        {4, "Factor Reumatoideo", "FACTOR REUMATOIDEO (LATEX)\n\nResultado:\nTitulo:"},
+        {5, "Frotis de Sangre Periferica",
+         "FROTIS DE SANGRE PERIFERICA\n\nSerie roja:\nSerie blanca:\nPlaquetas:"},
+        {6, "Constancia de Salud",
+         "CONSTANCIA\n\nSe hace constar que el (la) paciente se realizo los examenes de "
+         "laboratorio indicados, con resultados dentro de los limites normales."},
+    };
+    if (w.scalar(QStringLiteral("SELECT COUNT(*) FROM submenusformatoblanco")).toInt() == 0)
+        for (const StoredText& t : kStoredTexts)
+            w.run(QStringLiteral("INSERT INTO submenusformatoblanco (codigo_formatoblanco, "
+                                 "submenu, valorsubmenu) VALUES (?, ?, ?)"),
+                  {t.menu, S(t.name), S(t.text)});
+
     // Parameters, normal values and the first version of the grid templates.
     QHash<QString, std::int32_t> codes;
     addTemplate(w, codes, 2, kHematologia);
