@@ -1,5 +1,6 @@
 // Tarvenquil 4.0: the laboratory's program. Splash, sign-on and main
 // window, with the store of the data folder opened beside the first window.
+#include "billing/invoice/demoinvoices.h"
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
@@ -68,6 +69,7 @@ int fillDemo(int argc, char** argv)
     }
     try {
         tq::fillDemo(tq::amb1().connection());
+        tq::addDemoInvoices();
     } catch (const tq::AppError& e) {
         err << "No se cargaron los datos de demostración: " << e.message() << Qt::endl;
         return 1;

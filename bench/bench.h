@@ -118,6 +118,8 @@ void addPatientPaths(Bench& bench, const Context& context);
 void addBillingPaths(Bench& bench, const Context& context);
 void addReportPaths(Bench& bench, const Context& context);
 void addCutPaths(Bench& bench, const Context& context);
+void addLabPaths(Bench& bench, const Context& context);     // the work table (paths_lab.cpp)
+void addSheetPaths(Bench& bench, const Context& context);   // the result sheets (paths_sheets.cpp)
 void addSearchPaths(Bench& bench, const Context& context);
 
 }  // namespace bench

@@ -155,6 +155,8 @@ int main(int argc, char** argv)
         bench::addBillingPaths(b, c);
         bench::addReportPaths(b, c);
         bench::addCutPaths(b, c);
+        bench::addLabPaths(b, c);
+        bench::addSheetPaths(b, c);
         bench::addSearchPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);

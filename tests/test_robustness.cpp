@@ -14,6 +14,7 @@
 #include "store_faults.h"
 #include "testsupport.h"
 
+#include "billing/invoice/demoinvoices.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
@@ -221,6 +222,7 @@ void TestRobustness::initTestCase()
     else
         amb1().openStore(m_template);
     fillDemo(amb1().connection());
+    addDemoInvoices();
     amb1().closeStore();
 
     // Our own runs never spin an event loop; a screen that opens a dialog

@@ -67,6 +67,9 @@ const QList<Invariant>& storeInvariants()
                         "OR (pagada AND ABS(Abono - total) > 0.005) "
                         "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
                         "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
+        {QStringLiteral("resultados: ninguna celda sin su factura"),
+         QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE NOT EXISTS (SELECT 1 FROM Factura f "
+                        "WHERE f.factura = r.num_factura)")},
     };
     return list;
 }

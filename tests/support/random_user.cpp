@@ -116,6 +116,15 @@ bool RandomPrompts::print(const PaintPages& paint, const QString& title)
     return true;
 }
 
+bool RandomPrompts::printDefault(const PaintPages& paint, const QString& title)
+{
+    prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::Ok});
+    if (!m_dice.chance(50))
+        return false;
+    printOnPaper(paint);
+    return true;
+}
+
 void RandomPrompts::showModal(QWidget* screen)
 {
     prompts.append({Prompt::Modal, screen->objectName(), Icon::None, {}, Buttons::Ok});

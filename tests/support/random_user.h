@@ -47,6 +47,7 @@ public:
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
     bool print(const tq::PaintPages& paint, const QString& title) override;
+    bool printDefault(const tq::PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 

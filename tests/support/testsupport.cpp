@@ -287,6 +287,14 @@ bool ScriptedPrompts::print(const PaintPages& paint, const QString& title)
     return accepted;
 }
 
+bool ScriptedPrompts::printDefault(const PaintPages& paint, const QString& title)
+{
+    prompts.append({Prompt::DefaultPrinter, title, Icon::None, title, Buttons::Ok});
+    if (defaultPrinter)
+        printed.append(printOnPaper(paint));
+    return defaultPrinter;
+}
+
 void ScriptedPrompts::showModal(QWidget* screen)
 {
     prompts.append({Prompt::Modal, screen->objectName(), Icon::None, {}, Buttons::Ok});

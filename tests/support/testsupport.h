@@ -59,7 +59,7 @@ private:
 };
 
 struct Prompt {
-    enum Kind { Message, Input, OpenFile, SaveFile, Modal, End, Printer } kind = Message;
+    enum Kind { Message, Input, OpenFile, SaveFile, Modal, End, Printer, DefaultPrinter } kind = Message;
     QString text;     // message or input prompt; screen name for Modal; title for Printer
     Icon icon = Icon::None;
     QString title;
@@ -84,6 +84,7 @@ public:
     std::deque<QString> files;
     std::deque<bool> printers;   // true: the printer dialog is accepted
     QList<QByteArray> printed;   // what the accepted printer dialogs printed, as PDF
+    bool defaultPrinter = true;  // the machine has a default printer (it prints into `printed`)
     bool ended = false;
 
     void onModal(const QString& screen, std::function<void(QWidget*)> handler);
@@ -99,6 +100,7 @@ public:
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
     bool print(const tq::PaintPages& paint, const QString& title) override;
+    bool printDefault(const tq::PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 

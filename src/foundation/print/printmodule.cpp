@@ -5,6 +5,7 @@
 
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 
 extern "C" Q_DECL_EXPORT bool tarvenquil_print_pages(QWidget* parent, const QString& title,
                                                      const tq::PaintPages& paint)
@@ -14,6 +15,20 @@ extern "C" Q_DECL_EXPORT bool tarvenquil_print_pages(QWidget* parent, const QStr
     dialog.setWindowTitle(title);
     if (dialog.exec() != QDialog::Accepted)
         return false;
+    paint(printer);
+    return printer.printerState() != QPrinter::Error;
+}
+
+// The default printer, without a dialog. False when the machine has none or
+// the job failed.
+extern "C" Q_DECL_EXPORT bool tarvenquil_print_default(const QString& title,
+                                                       const tq::PaintPages& paint)
+{
+    const QPrinterInfo info = QPrinterInfo::defaultPrinter();
+    if (info.isNull())
+        return false;
+    QPrinter printer(info, QPrinter::HighResolution);
+    printer.setDocName(title);
     paint(printer);
     return printer.printerState() != QPrinter::Error;
 }

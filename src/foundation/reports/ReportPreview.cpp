@@ -5,6 +5,7 @@
 #include "foundation/data/amb1.h"
 #include "foundation/reports/engine.h"
 #include "foundation/ui/errors.h"
+#include "foundation/ui/pdffile.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
@@ -75,35 +76,9 @@ QWidget* makeReportScreen(const QString& name, std::shared_ptr<report::Document>
 
 QString writePdf(const report::Document& document, const QString& file)
 {
-    const QFileInfo target(file);
-    if (target.isDir())
-        return systemProblem(EISDIR);
-    if (!target.dir().exists())
-        return systemProblem(ENOENT);
-    QSaveFile out(file);
-    errno = 0;
-    if (!out.open(QIODevice::WriteOnly)) {
-        const int why = errno;
-        logLine(QStringLiteral("PDF \"%1\": %2").arg(file, out.errorString()));
-        return systemProblem(why);
-    }
-    bool painted = false;
-    {
-        QPdfWriter writer(&out);
-        painted = document.print(writer);
-    }
-    if (!painted) {
-        out.cancelWriting();
-        logLine(QStringLiteral("PDF \"%1\": no se pudieron dibujar las páginas").arg(file));
-        return QStringLiteral("no se pudieron dibujar las páginas del informe");
-    }
-    errno = 0;
-    if (!out.commit()) {
-        const int why = errno;
-        logLine(QStringLiteral("PDF \"%1\": %2").arg(file, out.errorString()));
-        return systemProblem(why);
-    }
-    return {};
+    return writePdfFile(file, [&document](QPagedPaintDevice& device) {
+        return document.print(device);
+    });
 }
 
 ReportPreview::ReportPreview(const report::Layout& layout, QWidget* parent)
@@ -276,14 +251,9 @@ void ReportPreview::printReport()
 
 void ReportPreview::savePdf()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QString file = prompts().saveFile(QStringLiteral("Guardar PDF"),
-                                      QDir(folder).filePath(fileNameFor(m_doc->layout())),
-                                      QStringLiteral("Archivos PDF (*.pdf)"));
+    const QString file = askPdfFile(fileNameFor(m_doc->layout()));
     if (file.isEmpty())
         return;
-    if (QFileInfo(file).suffix().compare(QStringLiteral("pdf"), Qt::CaseInsensitive) != 0)
-        file += QStringLiteral(".pdf");
     const QString why = writePdf(*m_doc, file);
     if (!why.isEmpty())
         prompts().message(QStringLiteral("No se pudo guardar el informe en el archivo \"%1\": %2.")

@@ -18,6 +18,7 @@ namespace tq {
 PromptService::~PromptService() = default;
 
 bool PromptService::print(const PaintPages&, const QString&) { return false; }
+bool PromptService::printDefault(const PaintPages&, const QString&) { return false; }
 
 bool PromptService::ask(const QString& text, const QString& title)
 {
@@ -139,6 +140,8 @@ namespace {
 // The entry point of the print module (foundation/print/printmodule.cpp).
 using PrintEntry = bool (*)(QWidget* parent, const QString& title, const PaintPages& paint);
 PrintEntry g_printEntry = nullptr;
+using PrintDefaultEntry = bool (*)(const QString& title, const PaintPages& paint);
+PrintDefaultEntry g_printDefaultEntry = nullptr;
 
 }  // namespace
 
@@ -155,7 +158,9 @@ QString loadPrintModule()
         if (!module.load())
             continue;
         g_printEntry = reinterpret_cast<PrintEntry>(module.resolve("tarvenquil_print_pages"));
-        if (g_printEntry)
+        g_printDefaultEntry =
+            reinterpret_cast<PrintDefaultEntry>(module.resolve("tarvenquil_print_default"));
+        if (g_printEntry && g_printDefaultEntry)
             return {};
     }
     return QStringLiteral("No se puede imprimir: no se encontró el módulo de impresión (%1) "
@@ -171,6 +176,21 @@ bool QtPromptService::print(const PaintPages& paint, const QString& title)
         return false;
     }
     return g_printEntry(activeParent(), title, paint);
+}
+
+bool QtPromptService::printDefault(const PaintPages& paint, const QString& title)
+{
+    const QString problem = loadPrintModule();
+    if (!problem.isEmpty()) {
+        message(problem, Icon::Critical, QString::fromLatin1(kAppTitle), Buttons::Ok);
+        return false;
+    }
+    if (g_printDefaultEntry(title, paint))
+        return true;
+    message(QStringLiteral("No se pudo imprimir: este equipo no tiene una impresora "
+                           "predeterminada que responda. Use «Crear PDF» para elegir otra."),
+            Icon::Exclamation, QString::fromLatin1(kAppTitle), Buttons::Ok);
+    return false;
 }
 
 void QtPromptService::showModal(QWidget* screen)

@@ -50,6 +50,10 @@ public:
     // cancels: nothing is printed.
     virtual bool print(const PaintPages& paint,
                        const QString& title = QString::fromLatin1(kAppTitle));
+    // The pages on the default printer, without a dialog; false when there is
+    // no printer or nothing could be printed (the user has been told why).
+    virtual bool printDefault(const PaintPages& paint,
+                              const QString& title = QString::fromLatin1(kAppTitle));
 
     // Shows a screen modally and returns when it has closed. The screen is
     // deleted on close (Qt::WA_DeleteOnClose is set by the service).
@@ -84,6 +88,7 @@ public:
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
     bool print(const PaintPages& paint, const QString& title) override;
+    bool printDefault(const PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
     void endProgram() override;
 };

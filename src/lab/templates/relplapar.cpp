@@ -6,6 +6,8 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
+#include "lab/sheets.h"
+#include "lab/sheets/gridsheet.h"
 #include "lab/templates.h"
 
 TQ_REGISTER_SCREEN(relplapar)
@@ -172,10 +174,18 @@ void relplapar::save()
 }
 
 // The list laid out on the template's own sheet, as a new sheet is, without
-// patient or normal values. The sheets come with the fill-in screens; until
-// then the press says so.
+// patient or normal values (urinalysis shows its units).
 void relplapar::preview()
 {
-    if (const GridTemplate* g = gridNamed(ui->Combo1->currentText()))
-        notBuiltNotice(QLatin1String(g->sheet));
+    const GridTemplate* g = gridNamed(ui->Combo1->currentText());
+    if (!g)
+        return;
+    QStringList names;
+    for (int i = 0; i < ui->List2->count(); ++i)
+        names << ui->List2->item(i)->text();
+    const QList<sheets::Cell> cells = sheets::layOut(g->code, names, sheets::Normals::None);
+    openModal(QLatin1String(g->sheet), [&cells](QWidget* screen) {
+        if (auto* sheet = qobject_cast<sheets::GridSheet*>(screen))
+            sheet->showLayout(cells);
+    });
 }

@@ -1,0 +1,24 @@
+#pragma once
+// The second free-text result page (template 6). The work table never offers
+// it; the printing screens open it to show a stored page.
+#include "lab/sheets/blankpage.h"
+
+#include <memory>
+
+namespace Ui {
+class Form36;
+}
+
+class Form36 : public tq::sheets::BlankPage {
+    Q_OBJECT
+public:
+    explicit Form36(QWidget* parent = nullptr);
+    ~Form36() override;
+
+    // A stored page shown again: its text, the patient and the sheet's date.
+    // The box stays open to typing and "Guardar" enabled.
+    void showStored(const QString& text, const QString& patient, const QString& date);
+
+private:
+    std::unique_ptr<Ui::Form36> ui;
+};

@@ -1,0 +1,345 @@
+// The free-text result pages: the Enter counter that keeps a page to its
+// lines, the stored page texts under the six menus of the blank sheet and the
+// two small screens that add and remove them, the save of one page onto
+// every invoice picked, and the page put on paper.
+#include "pdftext.h"
+#include "store_faults.h"
+#include "testsupport.h"
+
+#include "foundation/base/values.h"
+#include "foundation/data/amb1.h"
+#include "lab/sheets/Form19.h"
+#include "lab/sheets/Form36.h"
+#include "lab/sheets/opensheet.h"
+#include "lab/templates.h"
+#include "lab/worktable.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTextEdit>
+
+using namespace tq;
+using namespace tq::sheets;
+using namespace tq::test;
+
+namespace {
+
+const QString kSaved = "El resultado ha sido guardado exitosamente";
+const QString kAge = "30 Años 2 meses";
+
+// The messages a menu entry showed; the answers queued for it stay queued.
+QStringList trigger(QWidget* w, const QString& action, ScriptedPrompts& sp)
+{
+    auto* a = control<QAction>(w, action);
+    if (!a || !a->isEnabled())
+        return {"<" + action + " disabled>"};
+    const qsizetype before = sp.prompts.size();
+    a->trigger();
+    QStringList said;
+    for (qsizetype i = before; i < sp.prompts.size(); ++i)
+        if (sp.prompts.at(i).kind == Prompt::Message)
+            said << sp.prompts.at(i).text;
+    return said;
+}
+
+// The captions of a stored-text menu, as the user reads them.
+QStringList entries(QWidget* w, const QString& menu)
+{
+    QStringList out;
+    for (QAction* a : control<QMenu>(w, menu)->actions())
+        if (a->isVisible())
+            out << a->text();
+    return out;
+}
+
+QAction* entry(QWidget* w, const QString& menu, const QString& caption)
+{
+    for (QAction* a : control<QMenu>(w, menu)->actions())
+        if (a->isVisible() && a->text() == caption)
+            return a;
+    return nullptr;
+}
+
+void addStored(int menu, const QString& name, const QString& text)
+{
+    amb1().insert("submenusformatoblanco", {"codigo_formatoblanco", "submenu", "valorsubmenu"},
+                  {menu, name, text});
+}
+
+QStringList storedNames()
+{
+    Recordset rs;
+    rs.open("SELECT codigo_formatoblanco, submenu FROM submenusformatoblanco ORDER BY submenu");
+    QStringList out;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+        out << rs.text("codigo_formatoblanco") + ":" + rs.text("submenu");
+    return out;
+}
+
+// Types `lines` lines, each closed with Enter.
+void typeLines(QTextEdit* box, int lines)
+{
+    for (int i = 1; i <= lines; ++i) {
+        typeKeys(box, "linea " + QString::number(i));
+        pressKey(box, Qt::Key_Return);
+    }
+}
+
+}  // namespace
+
+class TestBlankPage : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Thirteen Enters make fourteen lines, and the fourteenth takes no key;
+    // the menus' paste and a stored text still go in. The stored texts fill
+    // their menus in the store's order, and a choice replaces the page. The
+    // second page has the same counter at 36, and neither saves without exams.
+    void typingAndStoredTexts()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        addStored(1, "Heces", "EXAMEN GENERAL DE HECES\nColor:");
+        addStored(2, "VDRL", "V.D.R.L.");
+        addStored(1, "Orina", "ORINA");
+        QPointer<QWidget> w = openScreen("Form19");
+        QCOMPARE(entries(w, "parasit"), (QStringList{"Heces", "Orina"}));
+        QCOMPARE(entries(w, "serologia"), QStringList{"VDRL"});
+
+        auto* box = control<QTextEdit>(w, "Rich1");
+        box->setFocus();
+        typeLines(box, 13);
+        typeKeys(box, "x");
+        pressKey(box, Qt::Key_Backspace);
+        pressKey(box, Qt::Key_Return);
+        QString page = box->toPlainText();
+        QCOMPARE(page.count('\n'), 13);
+        QVERIFY(page.endsWith("linea 13\n"));
+
+        QTextCursor first(box->document());
+        first.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        box->setTextCursor(first);
+        trigger(w, "copy", sp);
+        trigger(w, "paste", sp);
+        QVERIFY(box->toPlainText().endsWith("linea 13\nlinea 1"));
+
+        entry(w, "parasit", "Heces")->trigger();
+        QCOMPARE(box->toPlainText(), QString("EXAMEN GENERAL DE HECES\nColor:"));
+        trigger(w, "borrar", sp);
+        typeKeys(box, "x");   // emptying the page does not lower the count
+        QCOMPARE(box->toPlainText(), QString());
+
+        QCOMPARE(trigger(w, "guardar", sp),
+                 QStringList{"Esta hoja no se abrió desde la mesa de trabajo para ningún examen, "
+                             "así que no se guardó nada."});
+        QCOMPARE(rowsIn("resultados"), 0);
+        trigger(w, "salir", sp);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!w);
+
+        QPointer<Form36> six = qobject_cast<Form36*>(openScreen("Form36"));
+        QVERIFY(six);
+        QVERIFY(!control<QMenu>(six, "parasit"));
+        auto* box6 = control<QTextEdit>(six, "Rich1");
+        box6->setFocus();
+        typeLines(box6, 37);
+        typeKeys(box6, "x");
+        QCOMPARE(box6->toPlainText().count('\n'), 37);
+        QVERIFY(box6->toPlainText().endsWith("linea 37\n"));
+        trigger(six, "paste", sp);   // the copy made on the other page
+        QVERIFY(box6->toPlainText().endsWith("\nlinea 1"));
+        six->showStored("GLUCOSA: 90 mg/dL", "Rosa Diaz", "03/02/2026");
+        QCOMPARE(box6->toPlainText(), QString("GLUCOSA: 90 mg/dL"));
+        QCOMPARE(control<QLabel>(six, "lblPaciente")->text(), QString("Rosa Diaz"));
+        QCOMPARE(trigger(six, "guardar", sp).size(), 1);
+        QCOMPARE(rowsIn("resultados"), 0);
+        six->close();
+    }
+
+    // "Guardar Formato como Plantilla" refuses a name stored under any menu
+    // and stays open; a new name is stored with the page and shows at once in
+    // its menu. "Borrar Plantilla" matches the end of a name, deletes the
+    // first row found, and the open sheet's menu loses its last entry.
+    void savingAndDeletingStoredTexts()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        addStored(3, "Glucosa en Heces", "GLUCOSA");
+        addStored(1, "Heces", "HECES");
+        addStored(3, "Perfil Lipidico", "PERFIL");
+        QPointer<QWidget> w = openScreen("Form19");
+        auto* box = control<QTextEdit>(w, "Rich1");
+        typeKeys(box, "PRUEBA DE EMBARAZO");
+
+        bool opened = false;
+        sp.onModal("Guardadoblanco", [&](QWidget* g) {
+            opened = true;
+            auto* combo = control<QComboBox>(g, "Combo1");
+            QCOMPARE(combo->count(), 6);
+            QCOMPARE(combo->itemText(1), QString("2  Serologia"));
+            retype(edit(g, "Text1"), "Heces");
+            pickEntry(combo, 1);
+            QCOMPARE(press(g, "Command1", sp),
+                     QStringList{"El nombre del formato ya existe por favor modifiquelo y pruebe "
+                                 "nuevamente"});
+            QVERIFY(g->isVisible());
+            retype(edit(g, "Text1"), "Embarazo");
+            QCOMPARE(press(g, "Command1", sp),
+                     QStringList{"Los datos se han almacenado satisfactoriamente"});
+        });
+        trigger(w, "plantilla", sp);
+        QVERIFY(opened);
+        QCOMPARE(value("SELECT valorsubmenu FROM submenusformatoblanco WHERE submenu = ? "
+                       "AND codigo_formatoblanco = 2",
+                       {"Embarazo"})
+                     .toString(),
+                 QString("PRUEBA DE EMBARAZO"));
+        QCOMPARE(entries(w, "serologia"), QStringList{"Embarazo"});
+
+        opened = false;
+        sp.onModal("borrarformatoblanco", [&](QWidget* b) {
+            opened = true;
+            auto* list = control<QListWidget>(b, "List1");
+            QCOMPARE(list->count(), 4);
+            list->setCurrentRow(1);   // "Heces": "Glucosa en Heces" also ends so, and comes first
+            QCOMPARE(press(b, "Command1", sp, Answer::No),
+                     QStringList{"Esta seguro que quiere eliminar este formato de resultado"});
+            QCOMPARE(rowsIn("submenusformatoblanco"), 4);
+            list->setCurrentRow(1);
+            QCOMPARE(press(b, "Command1", sp, Answer::Yes),
+                     (QStringList{"Esta seguro que quiere eliminar este formato de resultado",
+                                  "El formato de resultado ha sido borrado"}));
+            QCOMPARE(list->count(), 3);
+        });
+        trigger(w, "borrarresult", sp);
+        QVERIFY(opened);
+        QCOMPARE(storedNames(), (QStringList{"2:Embarazo", "1:Heces", "3:Perfil Lipidico"}));
+        // Menu 3 lost its last entry, not the one deleted; that caption now
+        // finds nothing and leaves the page alone.
+        QCOMPARE(entries(w, "quimicas"), QStringList{"Glucosa en Heces"});
+        QCOMPARE(entries(w, "parasit"), QStringList{"Heces"});
+        entry(w, "quimicas", "Glucosa en Heces")->trigger();
+        QCOMPARE(box->toPlainText(), QString("PRUEBA DE EMBARAZO"));
+        w->close();
+
+        // On their own, with no sheet behind them: an empty page is kept.
+        sp.clear();
+        QPointer<QWidget> g = openScreen("Guardadoblanco");
+        retype(edit(g, "Text1"), "Vacio");
+        pickEntry(control<QComboBox>(g, "Combo1"), 5);
+        QCOMPARE(press(g, "Command1", sp),
+                 QStringList{"Los datos se han almacenado satisfactoriamente"});
+        QCOMPARE(value("SELECT valorsubmenu FROM submenusformatoblanco WHERE submenu = ? "
+                       "AND codigo_formatoblanco = 6",
+                       {"Vacio"})
+                     .toString(),
+                 QString());
+        g->close();
+    }
+
+    // One page for exams of two invoices: a row per invoice under one format
+    // id (moved on, told, when another bench took the proposed one), a message
+    // per invoice, each invoice's exams closed. A store failing halfway leaves
+    // nothing. Printing marks the lines, the printer dialog and the PDF file
+    // don't; the paper shows the patient and the page.
+    void oneSheetForTwoInvoices()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        amb1().execute("UPDATE datos SET nombre_lab = 'Laboratorio Santa Ana'");
+        SheetContext context;
+        for (std::int32_t factura : {501, 502}) {
+            amb1().insert("Factura", {"factura", "cod_paciente"}, {factura, 1});
+            amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
+                          {factura, 1, 7});
+            const int waiting = amb1().insert("EvaluadoTemporal",
+                                              {"factura", "cod_descripcionexamen", "examen"},
+                                              {factura, 7, "Prueba"})
+                                    .toInt();
+            context.picks << PickedExam{"Prueba", "Ana Lopez", kAge, waiting, factura};
+        }
+        context.invoices = {501, 502};
+        context.factura = 502;
+        context.proposedFormatId = proposeFormatId();
+        context.tecnico = "ana";
+        context.today = QDate(2026, 3, 9);
+        // Sheet 1 of invoice 501 exists; another bench took the proposed id.
+        amb1().insert("resultados", {"num_factura", "NumFormato", "Cod_Plantilla", "celda",
+                                     "iduniversalformato", "valor"},
+                      {501, 1, 1, "1", context.proposedFormatId, "antes"});
+        const std::int32_t id = context.proposedFormatId + 1;
+        const auto printedLines = [] {
+            return count("SELECT COUNT(*) FROM FacturaDetalle WHERE num_impresion = 1");
+        };
+
+        QTemporaryDir dir;
+        sp.onModal("Form19", [&](QWidget* w) {
+            QCOMPARE(control<QLabel>(w, "lblPaciente")->text(), QString("Ana Lopez"));
+            QCOMPARE(control<QLabel>(w, "lblEdad")->text(), kAge);
+            QCOMPARE(control<QLabel>(w, "lblFecha")->text(), QString("09/03/2026"));
+            QVERIFY(control<QLabel>(w, "lblDireccion")->text().contains(" email: "));
+            auto* box = control<QTextEdit>(w, "Rich1");
+            typeKeys(box, "Prueba de embarazo: POSITIVO");
+
+            StoreFaults faults;
+            faults.failAfter(2);
+            const QStringList said = trigger(w, "guardar", sp);
+            QCOMPARE(said.size(), 1);
+            QVERIFY2(said.first().startsWith("No se pudo guardar el resultado."),
+                     qPrintable(said.first()));
+            QCOMPARE(rowsIn("resultados"), 1);
+            QCOMPARE(rowsIn("EvaluadoTemporal"), 2);
+            faults.heal();
+
+            QCOMPARE(trigger(w, "guardar", sp),
+                     (QStringList{QString("El número de formato %1 ya fue usado en otra "
+                                          "estación; la hoja se guardó con el número de "
+                                          "formato %2.")
+                                      .arg(id - 1)
+                                      .arg(id),
+                                  kSaved, kSaved}));
+            QCOMPARE(trigger(w, "guardar", sp), QStringList{"<guardar disabled>"});
+
+            sp.printers.push_back(true);
+            QCOMPARE(trigger(w, "pdf", sp), QStringList());
+            sp.files.push_back(dir.filePath("hoja"));
+            QCOMPARE(trigger(w, "pdfArchivo", sp), QStringList());
+            QCOMPARE(printedLines(), 0);
+            QVERIFY(pdfText(dir.filePath("hoja.pdf")).contains("Ana Lopez"));
+            trigger(w, "imprimir", sp);
+            QCOMPARE(printedLines(), 2);
+        });
+        QVERIFY(openForWorkTable(kBlankTemplate, context));
+
+        Recordset rows;
+        rows.open("SELECT num_factura, NumFormato, Cod_Plantilla, celda, iduniversalformato, valor "
+                  "FROM resultados WHERE valor <> 'antes' ORDER BY diferenciador");
+        QStringList got;
+        for (rows.moveFirst(); !rows.eof(); rows.moveNext())
+            got << QStringList{rows.text("num_factura"), rows.text("NumFormato"),
+                               rows.text("Cod_Plantilla"), rows.text("celda"),
+                               rows.text("iduniversalformato"), rows.text("valor")}
+                       .join('|');
+        const QString sheet = QString::number(id) + "|Prueba de embarazo: POSITIVO";
+        QCOMPARE(got, (QStringList{"501|2|1|1|" + sheet, "502|1|1|1|" + sheet}));
+        QCOMPARE(rowsIn("EvaluadoTemporal"), 0);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE evaluado = TRUE AND "
+                       "iduniversalformato = ? AND tecnico = 'ana'",
+                       {id}),
+                 2);
+
+        QCOMPARE(sp.printed.size(), 2);
+        const QString paper = pdfTextOf(sp.printed.last());
+        for (const char* seen : {"Laboratorio Santa Ana", "Resultados de Laboratorio", "Ana Lopez",
+                                 "30 Años 2 meses", "Prueba de embarazo: POSITIVO",
+                                 "Jefe de Laboratorio"})
+            QVERIFY2(paper.contains(QString::fromUtf8(seen)), seen);
+    }
+};
+
+QTEST_MAIN(TestBlankPage)
+#include "test_blankpage.moc"

@@ -1,0 +1,398 @@
+// The fill-in screens of the grid templates (hematology, urinalysis,
+// clinical chemistry) and of parasitology: a template laid out on its sheet,
+// the typing rules of the grid, the save onto the work table in one piece,
+// and the sheet put on paper.
+#include "pdftext.h"
+#include "store_faults.h"
+#include "testsupport.h"
+
+#include "foundation/data/amb1.h"
+#include "foundation/ui/flexgrid.h"
+#include "lab/sheets/Form23.h"
+#include "lab/sheets/gridsheet.h"
+#include "lab/templates.h"
+#include "lab/worktable.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTemporaryDir>
+
+using namespace tq;
+using namespace tq::sheets;
+using namespace tq::test;
+
+namespace {
+
+// A patient's invoice with one line and one waiting exam per exam code.
+struct Billed {
+    std::int32_t factura = 0;
+    QString paciente;
+    QList<int> waiting;   // correlativos
+};
+
+Billed bill(std::int32_t factura, const QString& nombre, const QString& sexo,
+            const QList<int>& exams)
+{
+    const int patient = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente", "sexo",
+                                                    "fecha_nacimiento", "eadulto"},
+                                      {nombre, "Flores", sexo, QDate(1980, 4, 2), false})
+                            .toInt();
+    amb1().insert("Factura", {"factura", "cod_paciente", "fecha"},
+                  {factura, patient, QDate::currentDate()});
+    Billed b{factura, nombre + " Flores", {}};
+    for (int exam : exams) {
+        amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
+                      {factura, 1, exam});
+        b.waiting << amb1().insert("EvaluadoTemporal", {"factura", "cod_descripcionexamen", "examen"},
+                                   {factura, exam, "Hemograma"})
+                         .toInt();
+    }
+    return b;
+}
+
+SheetContext contextOf(const Billed& b)
+{
+    SheetContext c;
+    for (int correlativo : b.waiting)
+        c.picks << PickedExam{"Hemograma", b.paciente, "45", correlativo, b.factura};
+    c.invoices = {b.factura};
+    c.factura = b.factura;
+    c.proposedFormatId = proposeFormatId();
+    c.tecnico = "ana";
+    return c;
+}
+
+// Parameters named `prefix`1..n, each with a normal value for everybody
+// ("N" and its number) and a unit ("u" and its number), in one template.
+void makeTemplate(int code, const QString& prefix, int n)
+{
+    QStringList names;
+    for (int i = 1; i <= n; ++i) {
+        const int cod = rowsIn("parametros") + 1;
+        names << prefix + QString::number(i);
+        amb1().insert("parametros", {"cod_parametro", "parametro", "unidad"},
+                      {cod, names.last(), "u" + QString::number(i)});
+        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
+                      {cod, 4, "N" + QString::number(i)});
+    }
+    QVERIFY(saveTemplateVersion(code, names) >= 1);
+}
+
+// The screen of a template, shown and started for the exams of `b`.
+GridSheet* startSheet(const QString& name, const Billed& b, QList<SavedSheet>* saves = nullptr)
+{
+    auto* sheet = qobject_cast<GridSheet*>(openScreen(name));
+    if (sheet)
+        sheet->startEntry(contextOf(b), [saves](const SavedSheet& s) {
+            if (saves)
+                saves->append(s);
+        });
+    return sheet;
+}
+
+void clickCell(FlexGrid* g, int row, int col)
+{
+    const QRect r = g->visualRect(g->model()->index(row - 1, col));
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
+}
+
+// Runs a menu entry; the messages it showed. What the script holds for the
+// dialogs (files, printers) stays for the entry to use.
+QStringList trigger(QWidget* w, const QString& action, ScriptedPrompts& sp)
+{
+    sp.prompts.clear();
+    auto* a = control<QAction>(w, action);
+    if (!a || !a->isEnabled())
+        return {"<" + action + " disabled>"};
+    a->trigger();
+    return sp.messages();
+}
+
+QStringList cellsOf(std::int32_t factura)
+{
+    Recordset rs;
+    rs.open("SELECT celda, valor FROM resultados WHERE num_factura = ? ORDER BY diferenciador",
+            {factura});
+    QStringList out;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+        out << rs.text("celda") + "=" + rs.text("valor");
+    return out;
+}
+
+const QString kSaved = "El resultado ha sido guardado exitosamente";
+
+}  // namespace
+
+class TestSheets : public QObject {
+    Q_OBJECT
+
+private slots:
+    // A template on its sheet: hematology shows 22 of 23 parameters in its two
+    // panels with the patient's normal values; urinalysis keeps row 8 for its
+    // second header and proposes the units; the heading and the patient.
+    void templatesLaidOut()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        amb1().execute("UPDATE datos SET nombre_lab = ?", {"Laboratorio Santa Fe"});
+        makeTemplate(kHematologia, "H", 23);
+        // A man's and a woman's normal value: the patient (a woman) decides.
+        amb1().execute("DELETE FROM valparametros WHERE cod_parametro = 2");
+        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"}, {2, 1, "40-54"});
+        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"}, {2, 2, "36-48"});
+        const Billed marta = bill(500, "Marta", "Femenino", {7});
+
+        QPointer<GridSheet> w = startSheet("Form20", marta);
+        QVERIFY(w);
+        QCOMPARE(control<QLabel>(w, "lblNombreLab")->text(), QString("Laboratorio Santa Fe"));
+        QCOMPARE(control<QLabel>(w, "lblPaciente")->text(), QString("Marta Flores"));
+        QCOMPARE(control<QLabel>(w, "lblFecha")->text(), QDate::currentDate().toString("dd/MM/yyyy"));
+        FlexGrid* g = w->grid();
+        QCOMPARE(g->rows(), 14);
+        QCOMPARE(g->textMatrix(0, 4), QString("        Leucograma"));
+        QCOMPARE(g->textMatrix(1, 1), QString("H1"));
+        QCOMPARE(g->textMatrix(1, 3), QString("N1"));
+        QCOMPARE(g->textMatrix(2, 3), QString("36-48"));
+        QCOMPARE(g->textMatrix(11, 1), QString("H11"));
+        QCOMPARE(g->textMatrix(1, 4), QString("H12"));
+        QCOMPARE(g->textMatrix(1, 6), QString("N12"));
+        QCOMPARE(g->textMatrix(11, 4), QString("H22"));
+        QCOMPARE(g->textMatrix(11, 6), QString("N22"));
+        QCOMPARE(g->textMatrix(1, 2), QString());   // hematology proposes no unit
+        for (int r = 1; r < g->rows(); ++r)
+            for (int c = 0; c < g->cols(); ++c)
+                QVERIFY2(!g->textMatrix(r, c).contains("23"), qPrintable(g->textMatrix(r, c)));
+        w->close();
+
+        makeTemplate(kUroanalisis, "U", 8);
+        QPointer<GridSheet> u = startSheet("Form21", marta);
+        g = u->grid();
+        QCOMPARE(g->rows(), 18);
+        QCOMPARE(column(g, 1).mid(0, 9),
+                 (QStringList{"U1", "U2", "U3", "U4", "U5", "U6", "U7",
+                              "EXAMEN QUIMICO CUALITATIVO", "U8"}));
+        QCOMPARE(column(g, 2).mid(0, 9),
+                 (QStringList{"u1", "u2", "u3", "u4", "u5", "u6", "u7", "     VALORES", "u8"}));
+        QCOMPARE(g->textMatrix(8, 3), QString("   OTROS"));
+        QVERIFY(g->cellFontBold(8, 1));
+        QCOMPARE(g->textMatrix(10, 1), QString());
+
+        // A layout shown again replaces the cells and leaves the second header.
+        u->showLayout({{1, 1, "Color"}});
+        QCOMPARE(column(g, 1).mid(0, 3), (QStringList{"Color", "", ""}));
+        QCOMPARE(g->textMatrix(8, 1), QString("EXAMEN QUIMICO CUALITATIVO"));
+        u->close();
+    }
+
+    // Typing: only the result (and correctable normal) columns take keys;
+    // hematology starts its first result afresh on a click, urinalysis and
+    // chemistry keep the proposed text and add behind it; Backspace takes
+    // the last character; the second header of urinalysis takes nothing.
+    void typingInTheGrid()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        makeTemplate(kHematologia, "H", 12);
+        makeTemplate(kUroanalisis, "U", 8);
+        makeTemplate(kQuimica, "Q", 3);
+        const Billed b = bill(501, "Rosa", "Femenino", {7});
+
+        QPointer<GridSheet> h = startSheet("Form20", b);
+        FlexGrid* g = h->grid();
+        clickCell(g, 1, 2);
+        typeKeys(g, "13.5 g");
+        QCOMPARE(g->textMatrix(1, 2), QString("13.5 g"));
+        pressKey(g, Qt::Key_Backspace);
+        pressKey(g, Qt::Key_Backspace);
+        QCOMPARE(g->textMatrix(1, 2), QString("13.5"));
+        clickCell(g, 1, 2);
+        QCOMPARE(g->textMatrix(1, 2), QString());   // the earlier value is gone
+        typeKeys(g, "ñ");
+        QCOMPARE(g->textMatrix(1, 2), QString("ñ"));
+        clickCell(g, 1, 6);   // a normal value corrected by hand keeps its text
+        typeKeys(g, "*");
+        QCOMPARE(g->textMatrix(1, 6), QString("N12*"));
+        clickCell(g, 1, 1);   // names are not typed over
+        typeKeys(g, "x");
+        pressKey(g, Qt::Key_Backspace);
+        QCOMPARE(g->textMatrix(1, 1), QString("H1"));
+        clickCell(g, 5, 5);   // a blank cell: Backspace leaves it blank
+        pressKey(g, Qt::Key_Backspace);
+        typeKeys(g, "7");
+        QCOMPARE(g->textMatrix(5, 5), QString("7"));
+        pressKey(g, Qt::Key_Left);   // keys without a character move the cursor
+        typeKeys(g, "8");
+        QCOMPARE(g->textMatrix(5, 4), QString());
+        QCOMPARE(g->textMatrix(5, 5), QString("7"));
+        h->close();
+
+        QPointer<GridSheet> u = startSheet("Form21", b);
+        g = u->grid();
+        clickCell(g, 1, 2);
+        QCOMPARE(g->textMatrix(1, 2), QString("u1"));
+        typeKeys(g, "+");
+        QCOMPARE(g->textMatrix(1, 2), QString("u1+"));
+        clickCell(g, 8, 2);
+        typeKeys(g, "9");
+        QCOMPARE(g->textMatrix(8, 2), QString("     VALORES"));
+        u->close();
+
+        QPointer<GridSheet> q = startSheet("Form22", b);
+        g = q->grid();
+        clickCell(g, 2, 2);
+        typeKeys(g, "95");
+        clickCell(g, 2, 2);
+        typeKeys(g, " mg");
+        QCOMPARE(g->textMatrix(2, 2), QString("95 mg"));
+        clickCell(g, 2, 3);
+        typeKeys(g, "!");
+        QCOMPARE(g->textMatrix(2, 3), QString("N2!"));
+        q->close();
+    }
+
+    // One hematology sheet for two exams of an invoice: its result cells and
+    // the comment under one sheet number and one format id (moved on, and
+    // told, when another bench took the proposed one), both exams closed, the
+    // save offered once. Then on paper: the PDF through the dialog leaves
+    // the sheet pending, the default printer marks it, a PDF file holds it.
+    void savingAndPrintingASheet()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        makeTemplate(kHematologia, "H", 12);
+        const Billed b = bill(502, "Lucia", "Femenino", {7, 8});
+        QList<SavedSheet> saves;
+        QPointer<GridSheet> w = startSheet("Form20", b, &saves);
+        const std::int32_t proposed = proposeFormatId();
+        amb1().insert("resultados", {"num_factura", "NumFormato", "Cod_Plantilla", "celda",
+                                     "iduniversalformato", "valor"},
+                      {999, 1, 5, "1", proposed, "otra mesa"});
+        FlexGrid* g = w->grid();
+        clickCell(g, 1, 2);
+        typeKeys(g, "14.2");
+        clickCell(g, 3, 5);
+        typeKeys(g, "6500");
+        type(control<QPlainTextEdit>(w, "Text1"), "Muestra hemolizada");
+
+        QCOMPARE(trigger(w, "guardar", sp),
+                 (QStringList{QString("El número de formato %1 ya fue usado en otra estación; la "
+                                      "hoja se guardó con el número de formato %2.")
+                                  .arg(proposed)
+                                  .arg(proposed + 1),
+                              kSaved}));
+        const std::int32_t id = proposed + 1;
+        QCOMPARE(cellsOf(502), (QStringList{"B1=14.2", "E3=6500", "W=Muestra hemolizada"}));
+        QCOMPARE(count("SELECT COUNT(DISTINCT NumFormato) FROM resultados WHERE num_factura = 502"), 1);
+        QCOMPARE(count("SELECT COUNT(*) FROM resultados WHERE num_factura = 502 "
+                       "AND iduniversalformato = ? AND version = 1",
+                       {id}),
+                 3);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE factura = 502 "
+                       "AND evaluado = TRUE AND iduniversalformato = ? AND tecnico = ?",
+                       {id, "ana"}),
+                 2);
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura = 502"), 0);
+        QCOMPARE(saves.size(), 1);
+        QCOMPARE(saves.first().formatId, id);
+        QCOMPARE(saves.first().closed, 2);
+        QCOMPARE(trigger(w, "guardar", sp), QStringList{"<guardar disabled>"});
+
+        const auto printedMarks = [] {
+            return count("SELECT COUNT(*) FROM FacturaDetalle WHERE factura = 502 AND num_impresion = 1");
+        };
+        sp.printers.push_back(true);
+        QCOMPARE(trigger(w, "pdf", sp), QStringList());
+        QCOMPARE(sp.printed.size(), 1);
+        QCOMPARE(printedMarks(), 0);
+        sp.defaultPrinter = false;   // nothing reached paper: still pending
+        trigger(w, "imprimir", sp);
+        QCOMPARE(printedMarks(), 0);
+        sp.defaultPrinter = true;
+        trigger(w, "imprimir", sp);
+        QCOMPARE(printedMarks(), 2);
+        QCOMPARE(sp.printed.size(), 2);
+        const QString paper = pdfTextOf(sp.printed.last());
+        for (const char* seen : {"HEMATOLOGIA", "Lucia Flores", "14.2", "6500", "N1", "H12",
+                                 "Muestra hemolizada", "Jefe de Laboratorio"})
+            QVERIFY2(paper.contains(seen), seen);
+
+        QTemporaryDir dir;
+        const QString file = dir.filePath("hoja");
+        sp.files.push_back(file);
+        QCOMPARE(trigger(w, "pdfArchivo", sp), QStringList());
+        QVERIFY(pdfText(file + ".pdf").contains("Lucia Flores"));
+        w->close();
+    }
+
+    // The store failing halfway through the save: nothing of the sheet stays,
+    // no exam leaves the table, and the same sheet saves once the store heals.
+    void failedSaveLeavesNothing()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        makeTemplate(kQuimica, "Q", 4);
+        const Billed b = bill(503, "Elena", "Femenino", {7, 8});
+        QList<SavedSheet> saves;
+        QPointer<GridSheet> w = startSheet("Form22", b, &saves);
+        FlexGrid* g = w->grid();
+        clickCell(g, 1, 2);
+        typeKeys(g, "90");
+        clickCell(g, 2, 2);
+        typeKeys(g, "1.1");
+        StoreFaults faults;
+        faults.failAfter(2);
+        const QStringList said = trigger(w, "guardar", sp);
+        QCOMPARE(said.size(), 1);
+        QVERIFY2(said.first().startsWith("No se pudo guardar el resultado."), qPrintable(said.first()));
+        QCOMPARE(rowsIn("resultados"), 0);
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura = 503"), 2);
+        QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE evaluado = TRUE"), 0);
+        QVERIFY(saves.isEmpty());
+
+        faults.heal();
+        QCOMPARE(trigger(w, "guardar", sp), QStringList{kSaved});
+        QCOMPARE(cellsOf(503), (QStringList{"B1=90", "B2=1.1", "W="}));
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal WHERE factura = 503"), 0);
+        w->close();
+    }
+
+    // Parasitology: the ten fields under their captions, saved as cells 1 to
+    // 10 with the empty ones left out and no comment row. A sheet opened on
+    // its own has no exam to save for and says so.
+    void parasitology()
+    {
+        TempStore store;
+        ScriptedPrompts sp;
+        const Billed b = bill(504, "Ana", "Femenino", {9});
+        QPointer<QWidget> w = openScreen("Form23");
+        auto* sheet = qobject_cast<Form23*>(w.data());
+        QVERIFY(sheet);
+        for (int i = 1; i <= 10; ++i) {
+            auto* caption = control<QLabel>(w, QString("Label%1").arg(i + 3));
+            QVERIFY(caption);
+            QCOMPARE(caption->text(), parasitologyCaptions().at(i - 1));
+            QCOMPARE(caption->buddy(), edit(w, QString("Text%1").arg(i)));
+        }
+        const QStringList said = trigger(w, "guardar", sp);
+        QCOMPARE(said.size(), 1);
+        QVERIFY(said.first().contains("no se guardó nada"));
+        QCOMPARE(rowsIn("resultados"), 0);
+
+        sheet->startEntry(contextOf(b), {});
+        type(edit(w, "Text1"), "Café");
+        type(edit(w, "Text3"), "Pastosa");
+        type(edit(w, "Text10"), "Levaduras");
+        QCOMPARE(trigger(w, "guardar", sp), QStringList{kSaved});
+        QCOMPARE(cellsOf(504), (QStringList{"1=Café", "3=Pastosa", "10=Levaduras"}));
+        QCOMPARE(count("SELECT COUNT(*) FROM resultados WHERE version IS NOT NULL"), 0);
+        QCOMPARE(count("SELECT COUNT(*) FROM EvaluadoTemporal"), 0);
+        w->close();
+    }
+};
+
+QTEST_MAIN(TestSheets)
+#include "test_sheets.moc"
