@@ -364,4 +364,12 @@ double scalarBare(Connection* db, const char* sql)
     return v;
 }
 
+std::vector<int> intColumn(Stmt& s)
+{
+    std::vector<int> out;
+    while (s.next())
+        out.push_back(s.columnInt(0));
+    return out;
+}
+
 }  // namespace bench

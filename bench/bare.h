@@ -146,5 +146,7 @@ private:
 
 // The value of the first column of the first row.
 double scalarBare(Connection* db, const char* sql);
+// The first column of every row, as whole numbers (the values already bound).
+std::vector<int> intColumn(Stmt& s);
 
 }  // namespace bench

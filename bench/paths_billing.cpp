@@ -82,10 +82,7 @@ std::vector<int> listedExams(Connection* db, int count)
     Stmt s(db, "SELECT Cod_descripcionexamen FROM RelSeguroPrecios WHERE cod_seguro = 1 "
                "ORDER BY Cod_descripcionexamen LIMIT ?");
     s.bind(1, count);
-    std::vector<int> out;
-    while (s.next())
-        out.push_back(s.columnInt(0));
-    return out;
+    return intColumn(s);
 }
 
 // The price of one exam at two units, in cents, read bare.

@@ -13,6 +13,7 @@
 #include "lab/worktable.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <memory>
 
 namespace bench {
@@ -46,25 +47,34 @@ qint64 placedNames(Connection* db)
     QStringList names;
     while (params.next())
         names << params.columnText(2);
+    // The catalogue rows of the names (the first of each name), then the
+    // normal values of those found: the two reads the sheet makes.
+    QStringList wanted;
+    for (int i = 0; i < names.size() && i < 22; ++i)
+        if (names.at(i) != tq::kLineBreakParameter && !wanted.contains(names.at(i)))
+            wanted << names.at(i);
+    QStringList marks(wanted.size(), QStringLiteral("?"));
+    Stmt byName(db, QStringLiteral("SELECT cod_parametro, parametro, unidad FROM parametros "
+                                   "WHERE parametro IN (%1) ORDER BY cod_parametro")
+                        .arg(marks.join(", ")));
+    for (int i = 0; i < wanted.size(); ++i)
+        byName.bind(i + 1, wanted.at(i));
+    QHash<QString, int> codeOf;
+    while (byName.next())
+        if (!codeOf.contains(byName.columnText(1)))
+            codeOf.insert(byName.columnText(1), byName.columnInt(0));
     qint64 placed = 0;
-    Stmt byName(db, "SELECT cod_parametro, unidad FROM parametros WHERE parametro = ? "
-                    "ORDER BY cod_parametro LIMIT 1");
-    Stmt normals(db, "SELECT cod_sexo, valor_normal FROM valparametros WHERE cod_parametro = ? "
-                     "ORDER BY cod_sexo");
-    for (int i = 0; i < names.size() && i < 22; ++i) {
-        if (names.at(i) == tq::kLineBreakParameter)
-            continue;
-        byName.bind(1, names.at(i));
-        int code = 0;
-        bool found = false;
-        while (byName.next()) {
-            code = byName.columnInt(0);
-            found = true;
-        }
-        if (!found)
-            continue;
-        ++placed;
-        normals.readAll(code);
+    for (int i = 0; i < names.size() && i < 22; ++i)
+        placed += codeOf.contains(names.at(i)) ? 1 : 0;
+    QStringList codeMarks(codeOf.size(), QStringLiteral("?"));
+    Stmt normals(db, QStringLiteral("SELECT cod_parametro, cod_sexo, valor_normal FROM "
+                                    "valparametros WHERE cod_parametro IN (%1) "
+                                    "ORDER BY cod_parametro, cod_sexo")
+                         .arg(codeMarks.join(", ")));
+    int at = 0;
+    for (int code : codeOf)
+        normals.bind(++at, code);
+    while (normals.next()) {
     }
     return placed;
 }
@@ -185,10 +195,7 @@ std::vector<int> addWaiting(Connection* db, qint64 invoice, int exam)
     Stmt numbers(db, "SELECT correlativo FROM EvaluadoTemporal WHERE factura = ? "
                      "ORDER BY correlativo");
     numbers.bind(1, invoice);
-    std::vector<int> out;
-    while (numbers.next())
-        out.push_back(numbers.columnInt(0));
-    return out;
+    return intColumn(numbers);
 }
 
 }  // namespace
@@ -217,8 +224,11 @@ void addSheetPaths(Bench& bench, const Context& c)
                    return placed;
                },
                .floor = [c, invoice] { return floorOpening(c.bare, invoice); },
+               // Building and showing the screen's widgets is in the path, not in the floor.
+               .target = {.ceilingMs = 100.0, .smallFloorMs = 15.0},
                .note = QStringLiteral("the screen is built, laid out with the patient's normal "
-                                      "values and shown; the floor reads the same rows")});
+                                      "values and shown; the floor reads the same rows; building "
+                                      "the widgets allows 15 ms whatever the floor")});
 
     const int patient = int(scalarBare(c.bare, "SELECT MIN(cod_paciente) FROM Pacientes"));
     const int exam = int(scalarBare(c.bare, "SELECT MIN(cod_descripcionexamen) FROM Examenes"));

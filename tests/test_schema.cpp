@@ -193,10 +193,13 @@ private slots:
 
     void indexesForTheMainJoins()
     {
-        // The invoice lines of an invoice, and the results waiting to be printed,
+        // The invoice lines of an invoice, the line of one exam in it (closing
+        // an exam of the work table), and the results waiting to be printed,
         // are found through an index.
         const QList<QPair<QString, QString>> cases = {
             {"SELECT * FROM FacturaDetalle WHERE factura = 1", "INDEX ix_FacturaDetalle_factura"},
+            {"SELECT MIN(rowid) FROM FacturaDetalle WHERE factura = 1 AND cod_descripcionexamen = 2",
+             "ix_FacturaDetalle_factura_cod_descripcionexamen (factura=? AND"},
             {"SELECT Factura.factura FROM Factura, FacturaDetalle WHERE Factura.Factura = "
              "FacturaDetalle.Factura AND (FacturaDetalle.num_impresion = 0) and "
              "(FacturaDetalle.evaluado = 1)", "ix_FacturaDetalle_por_imprimir"},

@@ -88,30 +88,63 @@ GridShape makeShape(int code)
     return s;
 }
 
-// A parameter as the sheet looks it up by its name: the first of that name.
+// A parameter as the sheet looks it up by its name: the first of that name,
+// with its stored normal values in ascending population order.
 struct NamedParameter {
     std::int32_t code = 0;
     QString unidad;
-    bool found = false;
+    QList<NormalRow> normals;
 };
 
-QHash<QString, NamedParameter> parametersByName(const QStringList& names)
+// "?, ?, ..." for n values.
+QString placeholders(qsizetype n)
+{
+    QStringList marks;
+    for (qsizetype i = 0; i < n; ++i)
+        marks << QStringLiteral("?");
+    return marks.join(QStringLiteral(", "));
+}
+
+// The parameters of a sheet in two reads, whatever their number: the
+// catalogue rows of the names, then the normal values of those found.
+QHash<QString, NamedParameter> parametersByName(const QStringList& names, bool withNormals)
 {
     QHash<QString, NamedParameter> out;
+    QVariantList wanted;
+    for (const QString& name : names)
+        if (name != kLineBreakParameter && !wanted.contains(name))
+            wanted << name;
+    if (wanted.isEmpty())
+        return out;
     Recordset rs;
-    for (const QString& name : names) {
-        if (out.contains(name) || name == kLineBreakParameter)
-            continue;
-        rs.open(QStringLiteral("SELECT cod_parametro, unidad FROM parametros WHERE parametro = ? "
-                               "ORDER BY cod_parametro LIMIT 1"),
-                {name});
+    rs.open(QStringLiteral("SELECT cod_parametro, parametro, unidad FROM parametros "
+                           "WHERE parametro IN (%1) ORDER BY cod_parametro")
+                .arg(placeholders(wanted.size())),
+            wanted);
+    QHash<std::int32_t, QString> nameOf;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        const QString name = rs.text(QStringLiteral("parametro"));
+        if (out.contains(name))
+            continue;   // the first of that name
         NamedParameter p;
-        if (!rs.eof()) {
-            p.code = toInt32(rs.field(QStringLiteral("cod_parametro")));
-            p.unidad = rs.text(QStringLiteral("unidad"));
-            p.found = true;
-        }
+        p.code = toInt32(rs.field(QStringLiteral("cod_parametro")));
+        p.unidad = rs.text(QStringLiteral("unidad"));
         out.insert(name, p);
+        nameOf.insert(p.code, name);
+    }
+    if (!withNormals || nameOf.isEmpty())
+        return out;
+    QVariantList codes;
+    for (auto it = nameOf.cbegin(); it != nameOf.cend(); ++it)
+        codes << it.key();
+    rs.open(QStringLiteral("SELECT cod_parametro, cod_sexo, valor_normal FROM valparametros "
+                           "WHERE cod_parametro IN (%1) ORDER BY cod_parametro, cod_sexo")
+                .arg(placeholders(codes.size())),
+            codes);
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        const QString name = nameOf.value(toInt32(rs.field(QStringLiteral("cod_parametro"))));
+        out[name].normals.append({toInt16(rs.field(QStringLiteral("cod_sexo"))),
+                                  rs.text(QStringLiteral("valor_normal"))});
     }
     return out;
 }
@@ -232,7 +265,12 @@ const QStringList& parasitologyCaptions()
 QList<Cell> layOut(int codPlantilla, const QStringList& names, Normals normals, PatientClass who)
 {
     QList<Cell> cells;
-    const QHash<QString, NamedParameter> byName = parametersByName(names);
+    const bool withNormals = normals != Normals::None && codPlantilla != kUroanalisis;
+    int room = 0;
+    while (placeOf(codPlantilla, room))
+        ++room;
+    const QHash<QString, NamedParameter> byName =
+        parametersByName(names.mid(0, room), withNormals);
     for (int counter = 0; counter < names.size(); ++counter) {
         const std::optional<Place> place = placeOf(codPlantilla, counter);
         if (!place)
@@ -240,16 +278,17 @@ QList<Cell> layOut(int codPlantilla, const QStringList& names, Normals normals, 
         const QString& name = names.at(counter);
         if (name == kLineBreakParameter)
             continue;
-        const NamedParameter p = byName.value(name);
-        if (!p.found)
+        const auto found = byName.constFind(name);
+        if (found == byName.constEnd())
             continue;
+        const NamedParameter& p = *found;
         cells.append({place->row, place->nameCol, name});
         if (codPlantilla == kUroanalisis) {
             if (normals != Normals::Reprint && !p.unidad.isEmpty())
                 cells.append({place->row, place->valueCol, p.unidad});
         } else if (place->normalCol >= 0 && normals != Normals::None) {
             const QString normal =
-                elegirValorNormal(p.code, normals == Normals::Entry ? who : PatientClass{});
+                elegirValorNormal(p.normals, normals == Normals::Entry ? who : PatientClass{});
             if (!normal.isEmpty())
                 cells.append({place->row, place->normalCol, normal});
         }

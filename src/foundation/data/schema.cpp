@@ -288,7 +288,9 @@ const std::vector<Index>& indexes()
         {"Factura", {"cod_paciente"}},
         {"Factura", {"fecha"}},
         {"Factura", {"Cod_doctor"}},
-        {"FacturaDetalle", {"factura"}},
+        // An invoice's lines, and the line of one exam in it (closing an exam
+        // of the work table stamps that line).
+        {"FacturaDetalle", {"factura", "cod_descripcionexamen"}},
         {"FacturaDetalle", {"cod_descripcionexamen"}},
         {"FacturaDetalle", {"iduniversalformato"}},
         // The results waiting to be printed are a handful among a million

@@ -5,6 +5,7 @@
 #include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -119,6 +120,12 @@ bool guarded(const QString& what, const std::function<void()>& fn)
 void onClick(QAbstractButton* button, const QString& what, std::function<void()> fn)
 {
     QObject::connect(button, &QAbstractButton::clicked, button,
+                     [what, fn = std::move(fn)] { guarded(what, fn); });
+}
+
+void onTriggered(QAction* action, const QString& what, std::function<void()> fn)
+{
+    QObject::connect(action, &QAction::triggered, action,
                      [what, fn = std::move(fn)] { guarded(what, fn); });
 }
 

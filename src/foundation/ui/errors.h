@@ -8,6 +8,7 @@
 #include <functional>
 
 class QAbstractButton;
+class QAction;
 class QObject;
 
 namespace tq {
@@ -28,6 +29,9 @@ QString failureSentence(const QString& what);
 
 // Connects a button's click to an action run through guarded().
 void onClick(QAbstractButton* button, const QString& what, std::function<void()> fn);
+
+// Connects a menu entry's action to an action run through guarded().
+void onTriggered(QAction* action, const QString& what, std::function<void()> fn);
 
 // Why the system refused to read or write a file, in the user's words;
 // `errnum` is the system's error number (errno). The system's own text is

@@ -13,24 +13,23 @@ TQ_REGISTER_SCREEN(Form19)
 
 using namespace tq;
 
-Form19::Form19(QWidget* parent) : BlankPage(parent), ui(std::make_unique<Ui::Form19>())
+Form19::Form19(QWidget* parent)
+    : BlankPage({kBlankTemplate, sheets::kBlankPageEnters, true, true}, parent),
+      ui(std::make_unique<Ui::Form19>())
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form19"));
-    setAttribute(Qt::WA_DeleteOnClose);
     m_menus = {{{ui->parasit, ui->nvparasitologia, {}},
                 {ui->serologia, ui->nvserologia, {}},
                 {ui->quimicas, ui->nvquimicas, {}},
                 {ui->inmunologia, ui->nvinmunologia, {}},
                 {ui->hematologia, ui->nvhematologia, {}},
                 {ui->varios, ui->nvvarios, {}}}};
-    setUp({ui->pagina, ui->Rich1, ui->guardar, ui->imprimir, ui->pdf, ui->pdfArchivo, ui->salir,
-           ui->borrar, ui->copy, ui->paste},
-          {kBlankTemplate, sheets::kBlankPageEnters, true, true});
-    sheets::onMenu(ui->plantilla, QStringLiteral("guardar el formato como plantilla"),
-                   [this] { openStoredTextScreen(QStringLiteral("Guardadoblanco")); });
-    sheets::onMenu(ui->borrarresult, QStringLiteral("borrar la plantilla"),
-                   [this] { openStoredTextScreen(QStringLiteral("borrarformatoblanco")); });
+    setUp(*ui);
+    onTriggered(ui->plantilla, QStringLiteral("guardar el formato como plantilla"),
+                [this] { openStoredTextScreen(QStringLiteral("Guardadoblanco")); });
+    onTriggered(ui->borrarresult, QStringLiteral("borrar la plantilla"),
+                [this] { openStoredTextScreen(QStringLiteral("borrarformatoblanco")); });
     guarded(QStringLiteral("cargar los formatos guardados"), [this] { loadStoredMenus(); });
 }
 
@@ -70,8 +69,8 @@ void Form19::addStoredEntry(int menu, const QString& caption)
     entry->setObjectName(m->model->objectName() + QString::number(m->entries.size() + 1));
     m->menu->addAction(entry);
     m->entries.append(entry);
-    sheets::onMenu(entry, QStringLiteral("mostrar el formato guardado"),
-                   [this, menu, caption] { chooseStored(menu, caption); });
+    onTriggered(entry, QStringLiteral("mostrar el formato guardado"),
+                [this, menu, caption] { chooseStored(menu, caption); });
 }
 
 // The menus are not built again: after a deletion the captions shown may be

@@ -10,20 +10,19 @@ using namespace tq;
 
 // Printing this page leaves its sheet on the pending list: only the blank
 // page of the work table marks its lines printed.
-Form36::Form36(QWidget* parent) : BlankPage(parent), ui(std::make_unique<Ui::Form36>())
+Form36::Form36(QWidget* parent)
+    : BlankPage({kBlankTemplate2, sheets::kBlankPage6Enters, false, false}, parent),
+      ui(std::make_unique<Ui::Form36>())
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form36"));
-    setAttribute(Qt::WA_DeleteOnClose);
-    setUp({ui->pagina, ui->Rich1, ui->guardar, ui->imprimir, ui->pdf, ui->pdfArchivo, ui->salir,
-           ui->borrar, ui->copy, ui->paste},
-          {kBlankTemplate2, sheets::kBlankPage6Enters, false, false});
+    setUp(*ui);
 }
 
 Form36::~Form36() = default;
 
 void Form36::showStored(const QString& text, const QString& patient, const QString& date)
 {
-    sheet().setPatient(patient, date);
+    page().setPatient(patient, date);
     replaceText(text);
 }

@@ -1,32 +1,20 @@
 #pragma once
 // The free-text result page (the blank template, and its twin of code 6): a
-// printed sheet on screen with one rich box in the middle. What both screens
-// share lives here: the page and its heading, the Enter counter that keeps a
-// page to its lines, the "Edicion" menu with its one clipboard for the whole
-// program, the save onto the work table and the three ways out to paper.
-#include "foundation/ui/sheetpage.h"
-#include "lab/sheets/opensheet.h"
+// printed sheet on screen with one rich box in the middle. On top of what
+// every sheet has (gridsheet.h), both pages share the Enter counter that
+// keeps a page to its lines and the "Edicion" menu with its one clipboard for
+// the whole program.
+#include "lab/sheets/gridsheet.h"
 
-#include <QMainWindow>
-#include <functional>
-#include <optional>
+#include <QTextCursor>
 
-class QAction;
 class QTextEdit;
 
 namespace tq::sheets {
 
-// A menu entry's action run through the error boundary, as a button's click is.
-void onMenu(QAction* action, const QString& what, std::function<void()> fn);
-
-class BlankPage : public QMainWindow, public EntrySheet {
+class BlankPage : public SheetScreen {
     Q_OBJECT
 public:
-    // The patient of the first exam picked, today's date, and from then on
-    // "Guardar" stores the page onto the picked exams.
-    void startEntry(const SheetContext& context,
-                    std::function<void(const SavedSheet&)> onSaved) override;
-
     // The page's text as it is saved: plain text, fonts and colours aside.
     QString pageText() const;
     // Enters counted since the screen opened (nothing lowers it).
@@ -37,11 +25,7 @@ protected:
     struct Parts {
         QWidget* pagina = nullptr;   // what is printed
         QTextEdit* rich = nullptr;   // Rich1
-        QAction* guardar = nullptr;
-        QAction* imprimir = nullptr;
-        QAction* pdf = nullptr;
-        QAction* pdfArchivo = nullptr;
-        QAction* salir = nullptr;
+        SheetMenu archivo;
         QAction* borrar = nullptr;
         QAction* copy = nullptr;
         QAction* paste = nullptr;
@@ -54,35 +38,42 @@ protected:
         bool marksPrinted = false;   // "Imprimir" marks the sheet's lines printed
     };
 
-    explicit BlankPage(QWidget* parent);
+    BlankPage(const Kind& kind, QWidget* parent);
     // Wires the parts; called by the screen once its .ui is set up. Fills the
     // heading (a store failure is told and leaves the placeholders).
-    void setUp(const Parts& parts, const Kind& kind);
+    void setUp(const Parts& parts);
+    // The same from the screen's generated form: both pages name the parts alike.
+    template <class Form>
+    void setUp(const Form& ui)
+    {
+        setUp(Parts{ui.pagina,
+                    ui.Rich1,
+                    {ui.guardar, ui.imprimir, ui.pdf, ui.pdfArchivo, ui.salir},
+                    ui.borrar,
+                    ui.copy,
+                    ui.paste});
+    }
 
-    QTextEdit* rich() const { return m_parts.rich; }
-    SheetPage& sheet() { return m_sheet; }
     // Replaces the whole text of the box; the Enter counter stays as it is.
     void replaceText(const QString& text);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    // The page goes onto every invoice the work table listed.
+    SavedSheet store(const SheetContext& context) override;
+    void setPrinting(bool printing) override;
+    void beforeLeaving() override;
+
 private:
-    void save();
-    void print();
-    void printWithDialog();
-    void saveAsPdf();
-    void leave();
     void copySelection();
     void pasteAtEnd();
-    std::int32_t formatIdToMark() const;
 
-    Parts m_parts;
-    Kind m_kind;
-    SheetPage m_sheet{nullptr};
+    int m_enterLimit;
+    QTextEdit* m_rich = nullptr;
     int m_enters = 0;
-    std::optional<SheetContext> m_context;
-    std::function<void(const SavedSheet&)> m_onSaved;
-    std::int32_t m_savedFormatId = 0;
+    // The box as it stood before it went on paper.
+    QTextCursor m_cursorBeforePaper;
+    int m_cursorWidthBeforePaper = 1;
 };
 
 }  // namespace tq::sheets

@@ -33,8 +33,8 @@ void say(const QString& text)
 
 // ------------------------------------------------------------------ the page
 
-SheetScreen::SheetScreen(int codPlantilla, QWidget* parent)
-    : QMainWindow(parent), m_code(codPlantilla)
+SheetScreen::SheetScreen(int codPlantilla, QWidget* parent, const SheetTraits& traits)
+    : QMainWindow(parent), m_code(codPlantilla), m_traits(traits)
 {
     setAttribute(Qt::WA_DeleteOnClose);
 }
@@ -50,27 +50,26 @@ void SheetScreen::attach(QWidget* pagina, const SheetMenu& menu)
     pagina->setPalette(paper);
     pagina->setAutoFillBackground(true);
 
-    const auto action = [this](QAction* a, const QString& what, void (SheetScreen::*fn)()) {
-        if (a)
-            connect(a, &QAction::triggered, this,
-                    [this, what, fn] { guarded(what, [this, fn] { (this->*fn)(); }); });
-    };
-    action(menu.guardar, QStringLiteral("guardar el resultado"), &SheetScreen::guardar);
-    action(menu.imprimir, QStringLiteral("imprimir la hoja de resultados"), &SheetScreen::imprimir);
-    action(menu.pdf, QStringLiteral("imprimir la hoja de resultados"), &SheetScreen::crearPdf);
-    action(menu.pdfArchivo, QStringLiteral("guardar la hoja de resultados como PDF"),
-           &SheetScreen::guardarPdf);
-    if (menu.salir)
-        connect(menu.salir, &QAction::triggered, this, &QWidget::close);
+    onTriggered(menu.guardar, QStringLiteral("guardar el resultado"), [this] { guardar(); });
+    onTriggered(menu.imprimir, QStringLiteral("imprimir la hoja de resultados"),
+                [this] { imprimir(); });
+    onTriggered(menu.pdf, QStringLiteral("imprimir la hoja de resultados"), [this] { crearPdf(); });
+    onTriggered(menu.pdfArchivo, QStringLiteral("guardar la hoja de resultados como PDF"),
+                [this] { guardarPdf(); });
+    connect(menu.salir, &QAction::triggered, this, [this] {
+        beforeLeaving();
+        close();
+    });
 
     guarded(QStringLiteral("leer los datos del laboratorio para el encabezado"),
-            [this] { page().fillHeading(false); });
+            [this] { page().fillHeading(m_traits.headingWithEmail); });
 }
 
 void SheetScreen::startEntry(const SheetContext& context,
                              std::function<void(const SavedSheet&)> onSaved)
 {
-    page().setPatient(context.picks.value(0).paciente, dateLong(context.today));
+    const PickedExam first = context.picks.value(0);
+    page().setPatient(first.paciente, dateLong(context.today), first.edad);
     layOutEntry(context);
     m_context = context;
     m_onSaved = std::move(onSaved);
@@ -94,25 +93,28 @@ void SheetScreen::guardar()
         return;   // a sheet is saved once
     const SavedSheet saved = store(*m_context);
     m_saved = saved;
-    if (m_menu.guardar)
-        m_menu.guardar->setEnabled(false);
+    m_menu.guardar->setEnabled(false);
     if (saved.formatIdMoved)
         say(QStringLiteral("El número de formato %1 ya fue usado en otra estación; la hoja se "
                            "guardó con el número de formato %2.")
                 .arg(m_context->proposedFormatId)
                 .arg(saved.formatId));
-    say(QStringLiteral("El resultado ha sido guardado exitosamente"));
+    // The free-text page went onto every invoice listed, and says so for each.
+    const qsizetype told = m_traits.savedPerInvoice ? m_context->invoices.size() : 1;
+    for (qsizetype i = 0; i < told; ++i)
+        say(QStringLiteral("El resultado ha sido guardado exitosamente"));
     if (m_onSaved)
         m_onSaved(saved);
 }
 
 // The sheet as it stands, on the default printer; only a sheet that reached
-// the printer leaves the list of sheets waiting to be printed.
+// the printer leaves the list of sheets waiting to be printed (where the
+// family marks it at all).
 void SheetScreen::imprimir()
 {
     bool printed = false;
     onPaper([&] { printed = page().printOnDefaultPrinter(); });
-    if (printed)
+    if (printed && m_traits.marksPrinted)
         marcarImpresion(formatId());
 }
 
@@ -129,15 +131,16 @@ void SheetScreen::guardarPdf()
 }
 
 // The sheet goes on paper as the patient reads it: without the text cursor,
-// the focus frame or the grid's cursor, which come back afterwards.
+// the focus frame or the grid's cursor, which come back afterwards. The
+// family hides its own first, while the focus still stands where it was.
 void SheetScreen::onPaper(const std::function<void()>& job)
 {
     QPointer<QWidget> focused = QApplication::focusWidget();
     if (focused && !m_page->page()->isAncestorOf(focused))
         focused = nullptr;
+    setPrinting(true);
     if (focused)
         focused->clearFocus();
-    setPrinting(true);
     const auto restore = qScopeGuard([&] {
         setPrinting(false);
         if (focused)
@@ -146,12 +149,17 @@ void SheetScreen::onPaper(const std::function<void()>& job)
     job();
 }
 
+QString SheetScreen::shownPatient() const
+{
+    const auto* patient = m_page->page()->findChild<QLabel*>(QStringLiteral("lblPaciente"));
+    return patient ? patient->text() : QString();
+}
+
 QString SheetScreen::proposedPdfName() const
 {
     QString name = sheetTitle(m_code);
-    if (const auto* patient = m_page->page()->findChild<QLabel*>(QStringLiteral("lblPaciente")))
-        if (!patient->text().trimmed().isEmpty())
-            name += QStringLiteral(" - ") + patient->text().trimmed();
+    if (const QString patient = shownPatient().simplified(); !patient.isEmpty())
+        name += QStringLiteral(" - ") + patient;
     // Only what every file system takes in a name.
     static const QRegularExpression unsafe(QStringLiteral("[^\\w .,-]"),
                                            QRegularExpression::UseUnicodePropertiesOption);

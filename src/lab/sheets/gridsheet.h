@@ -6,7 +6,8 @@
 //
 // SheetScreen holds the page, the menu and the save onto the work table;
 // GridSheet adds the flex grid of hematology, urinalysis and clinical
-// chemistry: its shape, the typing rules and the laid-out template.
+// chemistry: its shape, the typing rules and the laid-out template. The
+// free-text pages (blankpage.h) are a SheetScreen too.
 #include "foundation/ui/sheetpage.h"
 #include "lab/sheets.h"
 #include "lab/sheets/opensheet.h"
@@ -34,13 +35,21 @@ struct SheetMenu {
     QAction* salir = nullptr;
 };
 
+// Where the families' sheets part ways beyond their body.
+struct SheetTraits {
+    bool headingWithEmail = false;   // the heading's address line ends with the mail
+    bool savedPerInvoice = false;    // "guardado" is told once per invoice listed
+    bool marksPrinted = true;        // "imprimir" marks the sheet's lines printed
+};
+
 class SheetScreen : public QMainWindow, public EntrySheet {
     Q_OBJECT
 public:
     int templateCode() const { return m_code; }
 
-    // The heading with the patient and today, the grid laid out, and from
-    // then on "Guardar" stores onto the work table. Throws DbError.
+    // The heading with the patient (and the age, where the page shows it)
+    // and today, the grid laid out, and from then on "Guardar" stores onto
+    // the work table. Throws DbError.
     void startEntry(const SheetContext& context,
                     std::function<void(const SavedSheet&)> onSaved) override;
 
@@ -49,7 +58,7 @@ public:
     std::int32_t formatId() const;
 
 protected:
-    SheetScreen(int codPlantilla, QWidget* parent);
+    SheetScreen(int codPlantilla, QWidget* parent, const SheetTraits& traits = {});
     // Called by the screen once its .ui is set up: the printed page (whose
     // heading is filled from the laboratory's data) and the menu.
     void attach(QWidget* pagina, const SheetMenu& menu);
@@ -60,18 +69,25 @@ protected:
     virtual void layOutEntry(const SheetContext&) {}
     // Writes what the sheet holds, with the closing of the exams. Throws DbError.
     virtual SavedSheet store(const SheetContext& context) = 0;
-    // The grid's cursor is not part of the sheet on paper.
+    // The cursors of the grid and of the text box are not part of the sheet
+    // on paper: hidden while it is printed, back afterwards.
     virtual void setPrinting(bool) {}
+    // What "salir" does before the screen closes.
+    virtual void beforeLeaving() {}
+    // The name the save dialog proposes for the PDF file: the title and the patient.
+    QString proposedPdfName() const;
+    // The patient's name as the page shows it.
+    QString shownPatient() const;
 
 private:
     void guardar();
     void imprimir();
     void crearPdf();
     void guardarPdf();
-    QString proposedPdfName() const;
     void onPaper(const std::function<void()>& job);
 
     int m_code;
+    SheetTraits m_traits;
     std::optional<SheetPage> m_page;
     SheetMenu m_menu;
     std::optional<SheetContext> m_context;
