@@ -276,6 +276,9 @@ private slots:
         typeKeys(g, "14.2");
         clickCell(g, 3, 5);
         typeKeys(g, "6500");
+        // A normal value longer than its column widens it, on paper too.
+        clickCell(g, 4, 6);
+        typeKeys(g, "entre 4500 y 11000 por milimetro cubico");
         type(control<QPlainTextEdit>(w, "Text1"), "Muestra hemolizada");
 
         QCOMPARE(trigger(w, "guardar", sp),
@@ -317,7 +320,8 @@ private slots:
         QCOMPARE(sp.printed.size(), 2);
         const QString paper = pdfTextOf(sp.printed.last());
         for (const char* seen : {"HEMATOLOGIA", "Lucia Flores", "14.2", "6500", "N1", "H12",
-                                 "Muestra hemolizada", "Jefe de Laboratorio"})
+                                 "entre 4500 y 11000 por milimetro cubico", "Muestra hemolizada",
+                                 "Jefe de Laboratorio"})
             QVERIFY2(paper.contains(seen), seen);
 
         QTemporaryDir dir;

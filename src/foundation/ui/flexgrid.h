@@ -103,6 +103,8 @@ public:
     void setColWidth(int col, int twipsWidth);
     // The width last given in twips, or -1 when never given.
     int colWidth(int col) const;
+    // The width in pixels that shows every text of a column whole.
+    int contentWidth(int col) const { return sizeHintForColumn(col); }
 
     // Empties every cell, header included, and takes off colours and bold.
     // Rows, columns and the cursor stay.

@@ -14,6 +14,7 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QRegularExpression>
@@ -227,6 +228,28 @@ void GridSheet::showLayout(const QList<Cell>& cells)
         if (cell.row >= 0 && cell.row < m_grid->rows() && cell.col >= 0
             && cell.col < m_grid->cols())
             m_grid->setTextMatrix(cell.row, cell.col, cell.text);
+    fitColumns();
+}
+
+// A name, normal value or result longer than its column widens it, and the
+// grid (the page with it) grows to hold every column: nothing on the sheet
+// is cut short, on screen or on paper.
+void GridSheet::fitColumns()
+{
+    int total = 2 * m_grid->frameWidth();
+    for (int c = 0; c < m_grid->cols(); ++c) {
+        // Some room beyond the screen's measure: text on paper is laid out
+        // without the screen's hinting and comes out a little wider.
+        const int wanted = c == 0 ? 0 : m_grid->contentWidth(c) * 23 / 20;
+        if (wanted > m_grid->columnWidth(c))
+            m_grid->setColumnWidth(c, wanted);   // the last column stretches instead
+        total += std::max(wanted, m_grid->columnWidth(c));
+    }
+    m_grid->setMinimumWidth(total);
+    // The page was given its paper's width; it grows with the grid.
+    QWidget* sheet = page().page();
+    const QMargins margins = sheet->layout() ? sheet->layout()->contentsMargins() : QMargins();
+    sheet->setMinimumWidth(std::max(sheet->minimumWidth(), total + margins.left() + margins.right()));
 }
 
 void GridSheet::layOutEntry(const SheetContext& context)
@@ -294,6 +317,7 @@ void GridSheet::keyPressed(int row, int col, QKeyEvent* event)
         || !std::all_of(typed.begin(), typed.end(), [](QChar c) { return c.isPrint(); }))
         return;
     m_grid->setTextMatrix(row, col, text + typed);
+    fitColumns();
     event->accept();
 }
 

@@ -120,6 +120,7 @@ private:
     bool typable(int row, int col) const;
     void clicked(int row);
     void keyPressed(int row, int col, QKeyEvent* event);
+    void fitColumns();
 
     FlexGrid* m_grid = nullptr;
     QPlainTextEdit* m_comment = nullptr;
