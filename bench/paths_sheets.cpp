@@ -25,7 +25,7 @@ constexpr int kHematologia = 2;
 // The invoices the save path writes on, far above the store's own numbers,
 // one for each side, with the three exams the sheet serves.
 constexpr qint64 kOursInvoice = 2'050'000'000;
-constexpr qint64 kBareInvoice = 2'150'000'000;
+constexpr qint64 kBareInvoice = 2'060'000'000;
 
 // Parameter names of the latest hematology version, as the sheet lays them.
 qint64 placedNames(Connection* db)

@@ -288,8 +288,9 @@ const std::vector<Index>& indexes()
         {"Factura", {"cod_paciente"}},
         {"Factura", {"fecha"}},
         {"Factura", {"Cod_doctor"}},
-        // An invoice's lines, and the line of one exam in it (closing an exam
-        // of the work table stamps that line).
+        {"FacturaDetalle", {"factura"}},
+        // The line of one exam in an invoice (closing an exam of the work
+        // table stamps that line).
         {"FacturaDetalle", {"factura", "cod_descripcionexamen"}},
         {"FacturaDetalle", {"cod_descripcionexamen"}},
         {"FacturaDetalle", {"iduniversalformato"}},
