@@ -49,7 +49,7 @@ namespace {
 // Per screen: seeds, and events of the user (a modal screen it opens gets
 // kModalEvents more). TQ_ROBUSTEZ_SEMILLAS=50 hunts with more seeds.
 constexpr int kSeeds = 4;
-constexpr int kEvents = 300;
+constexpr int kEvents = 250;
 constexpr int kModalEvents = 12;
 // The main window is not made by name: it joins the run as the
 // administrator finds it after signing on.
