@@ -104,7 +104,7 @@ int main(int argc, char** argv)
     const bool untilReady = app.arguments().contains(QStringLiteral("--tiempo-listo"));
     int code = 0;
     if (untilWindow || untilReady) {
-        tq::beginOpeningStore(folderProblem);
+        tq::beginOpeningStoreOncePainted(folderProblem);
         QWidget* signOn = tq::showSignOn();
         const auto report = [&sinceStart] {
             std::printf("%lld\n", static_cast<long long>(sinceStart.elapsed()));
@@ -125,7 +125,7 @@ int main(int argc, char** argv)
         }
         code = app.exec();
     } else {
-        tq::beginOpeningStore(folderProblem);
+        tq::beginOpeningStoreOncePainted(folderProblem);
         auto* splash = new frmSplash();
         tq::centreWindow(splash);
         splash->show();

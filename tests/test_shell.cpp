@@ -275,13 +275,15 @@ private slots:
     }
 
     // At start-up the sign-on screen is up while the store still opens on
-    // another thread: the laboratory's name comes when it is open, and a
-    // press of "Ingresar" quicker than the opening waits for it.
+    // another thread, begun once the window is painted: the laboratory's
+    // name comes when it is open, and a press of "Ingresar" quicker than the
+    // opening begins it at once and waits for it.
     void signOnWhileTheStoreOpens()
     {
         amb1().closeStore();
-        beginOpeningStore(QString());
+        beginOpeningStoreOncePainted(QString());
         QPointer<QWidget> f = showSignOn();
+        QVERIFY(!amb1().isOpen());   // nothing painted yet, nothing begun
         submit(f, "admin", "admin");
         QVERIFY2(sp->messages().isEmpty(), qPrintable(sp->lastMessage()));
         QVERIFY(amb1().isOpen());
@@ -290,11 +292,23 @@ private slots:
         QApplication::closeAllWindows();
         flushDeletes();
         amb1().closeStore();
-        beginOpeningStore(QString());
+        beginOpeningStoreOncePainted(QString());
         QPointer<QWidget> again = showSignOn();
+        QVERIFY(QTest::qWaitForWindowExposed(again));
         QTRY_COMPARE(control<QLabel>(again, "Label2")->text(),
                      QStringLiteral("Laboratorio Clinico (configure sus datos)"));
-        QVERIFY(sp->messages().isEmpty());
+        QVERIFY(amb1().isOpen() && sp->messages().isEmpty());
+
+        // A data folder that could not be made is told once the window is up.
+        QApplication::closeAllWindows();
+        flushDeletes();
+        amb1().closeStore();
+        const QString why = QStringLiteral("No se pudo crear la carpeta de datos /sin/permiso.");
+        beginOpeningStoreOncePainted(why);
+        QPointer<QWidget> third = showSignOn();
+        QTRY_COMPARE(sp->messages().size(), 1);
+        QVERIFY(sp->lastMessage().contains(why) && third->isVisible());
+        setStoreProblem(QString());
     }
 
     // Limited user: exactly the listed entries go grey, exams and employees

@@ -6,8 +6,10 @@
 #include "foundation/startup/accesos.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QList>
 #include <QPointer>
+#include <QTimer>
 #include <exception>
 #include <thread>
 #include <utility>
@@ -25,6 +27,8 @@ struct Opening {
     std::thread thread;
     QString problem;            // written by the thread, read after the join
     QList<Waiting> waiting;
+    bool pending = false;       // to begin once the first window is painted
+    QString pendingFolderProblem;
 };
 
 Opening& opening()
@@ -57,12 +61,39 @@ QString openDataStore()
     return {};
 }
 
+// Begins an opening that waited for the first window; nothing when none waits.
+void beginPendingOpening()
+{
+    Opening& o = opening();
+    if (!o.pending)
+        return;
+    o.pending = false;
+    beginOpeningStore(std::exchange(o.pendingFolderProblem, {}));
+}
+
+// Watches the program for its first paint, then lets the pending opening begin.
+class FirstPaintWatcher : public QObject {
+public:
+    explicit FirstPaintWatcher(QObject* parent) : QObject(parent) {}
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            parent()->removeEventFilter(this);
+            QTimer::singleShot(0, QCoreApplication::instance(), [] { beginPendingOpening(); });
+            deleteLater();
+        }
+        return false;
+    }
+};
+
 }  // namespace
 
 void beginOpeningStore(const QString& folderProblem)
 {
     Opening& o = opening();
-    awaitStore();
+    if (o.thread.joinable())
+        awaitStore();   // an earlier opening ends first
     if (!folderProblem.isEmpty()) {
         setStoreProblem(folderProblem);
         return;
@@ -76,14 +107,30 @@ void beginOpeningStore(const QString& folderProblem)
     });
 }
 
+void beginOpeningStoreOncePainted(const QString& folderProblem)
+{
+    Opening& o = opening();
+    awaitStore();
+    o.pending = true;
+    o.pendingFolderProblem = folderProblem;
+    // Painting the first window loads the fonts and their configuration,
+    // which costs the program's thread more while another thread runs
+    // beside it: the opening begins on the turn of the event loop after the
+    // first paint, or after a quarter of a second at the latest.
+    QCoreApplication* app = QCoreApplication::instance();
+    app->installEventFilter(new FirstPaintWatcher(app));
+    QTimer::singleShot(250, app, [] { beginPendingOpening(); });
+}
+
 void awaitStore()
 {
     Opening& o = opening();
-    if (!o.thread.joinable())
-        return;
-    o.thread.join();
-    if (!o.problem.isEmpty())
-        setStoreProblem(o.problem);
+    beginPendingOpening();
+    if (o.thread.joinable()) {
+        o.thread.join();
+        if (!o.problem.isEmpty())
+            setStoreProblem(o.problem);
+    }
     const QList<Waiting> waiting = std::exchange(o.waiting, {});
     for (const Waiting& w : waiting)
         if (w.context)
@@ -93,7 +140,7 @@ void awaitStore()
 void whenStoreReady(QObject* context, std::function<void()> ready)
 {
     Opening& o = opening();
-    if (o.thread.joinable())
+    if (o.pending || o.thread.joinable())
         o.waiting.append({context, std::move(ready)});
     else
         ready();
