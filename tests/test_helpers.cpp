@@ -2,6 +2,7 @@
 // conversions, calendar differences and ages, date forms, the screen
 // registry, the error boundary and the register screen's own messages.
 #include "foundation/data/amb1.h"
+#include "foundation/base/native.h"
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/ui/datagrid.h"
@@ -17,6 +18,7 @@
 #include <QLineEdit>
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <QProcess>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -363,6 +365,32 @@ private slots:
         QCOMPARE(pages, 2);
         QCOMPARE(prompts.printed.size(), 1);
         QVERIFY(prompts.printed.front().startsWith("%PDF"));
+    }
+
+    // Nor does the program itself need SQLite's or libsodium's library: they
+    // come with the native module, whose interfaces work once it is loaded.
+    void nativeLibrariesLoadWhenFirstUsed()
+    {
+        QProcess elf;
+        elf.start(QStringLiteral("readelf"),
+                  {QStringLiteral("-d"), QStringLiteral(TARVENQUIL_BUILD_DIR "/tarvenquil")});
+        QVERIFY(elf.waitForFinished(10000));
+        const QByteArray needed = elf.readAllStandardOutput();
+        QVERIFY2(needed.contains("libQt6Widgets"), needed.constData());
+        QVERIFY(!needed.contains("libsodium") && !needed.contains("libsqlite3"));
+
+        const native::Sodium* sodium = native::sodium();
+        QVERIFY(sodium && sodium->init() >= 0);
+        const native::Sqlite* sqlite = native::sqlite();
+        QVERIFY(sqlite);
+        sqlite3* db = nullptr;
+        QCOMPARE(sqlite->open_v2(":memory:", &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+        sqlite3_stmt* st = nullptr;
+        QCOMPARE(sqlite->prepare_v2(db, "SELECT CAST(1 AS NUMERIC) AS uno", -1, &st, nullptr),
+                 SQLITE_OK);
+        QCOMPARE(QByteArray(sqlite->column_name(st, 0)), QByteArray("uno"));
+        sqlite->finalize(st);
+        QCOMPARE(sqlite->close(db), SQLITE_OK);
     }
 };
 

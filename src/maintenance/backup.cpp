@@ -1,5 +1,6 @@
 #include "maintenance/backup.h"
 
+#include "foundation/base/native.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/errors.h"
 
@@ -14,7 +15,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <sqlite3.h>
 #include <system_error>
 
 namespace tq {
@@ -74,38 +74,42 @@ sqlite3* storeHandle()
 // Copies every page of `source` into the file `file` (an empty file).
 CopyProblem copyPages(sqlite3* source, const QString& file)
 {
+    const native::Sqlite* api = native::sqlite();
+    if (!api)
+        return {QStringLiteral("no se pudo iniciar la copia (%1)").arg(native::moduleMissing()),
+                QString()};
     sqlite3* dest = nullptr;
     const QByteArray name = QFile::encodeName(file);
-    int rc = sqlite3_open_v2(name.constData(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+    int rc = api->open_v2(name.constData(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                              nullptr);
     if (rc != SQLITE_OK) {
-        const QString detail = dest ? QString::fromUtf8(sqlite3_errmsg(dest))
-                                    : QString::fromUtf8(sqlite3_errstr(rc));
-        sqlite3_close(dest);
+        const QString detail = dest ? QString::fromUtf8(api->errmsg(dest))
+                                    : QString::fromUtf8(api->errstr(rc));
+        api->close(dest);
         return {QStringLiteral("no se pudo crear el archivo (%1)").arg(sqliteProblem(rc)), detail};
     }
     CopyProblem problem;
-    sqlite3_backup* backup = sqlite3_backup_init(dest, "main", source, "main");
+    sqlite3_backup* backup = api->backup_init(dest, "main", source, "main");
     if (!backup) {
         problem = {QStringLiteral("no se pudo iniciar la copia (%1)")
-                       .arg(sqliteProblem(sqlite3_errcode(dest))),
-                   QString::fromUtf8(sqlite3_errmsg(dest))};
+                       .arg(sqliteProblem(api->errcode(dest))),
+                   QString::fromUtf8(api->errmsg(dest))};
     } else {
         // All pages in one step: the program is single-threaded, so nothing
         // writes to the store while the copy runs.
-        rc = sqlite3_backup_step(backup, -1);
-        const int finish = sqlite3_backup_finish(backup);
+        rc = api->backup_step(backup, -1);
+        const int finish = api->backup_finish(backup);
         if (rc != SQLITE_DONE)
             problem = {QStringLiteral("la copia se interrumpió (%1)").arg(sqliteProblem(rc)),
-                       QString::fromUtf8(sqlite3_errstr(rc))};
+                       QString::fromUtf8(api->errstr(rc))};
         else if (finish != SQLITE_OK)
             problem = {QStringLiteral("la copia no se completó (%1)").arg(sqliteProblem(finish)),
-                       QString::fromUtf8(sqlite3_errstr(finish))};
+                       QString::fromUtf8(api->errstr(finish))};
     }
-    rc = sqlite3_close(dest);
+    rc = api->close(dest);
     if (problem.isEmpty() && rc != SQLITE_OK)
         problem = {QStringLiteral("no se pudo cerrar la copia (%1)").arg(sqliteProblem(rc)),
-                   QString::fromUtf8(sqlite3_errstr(rc))};
+                   QString::fromUtf8(api->errstr(rc))};
     return problem;
 }
 

@@ -1,8 +1,7 @@
 #include "foundation/base/passwords.h"
 
 #include "foundation/base/apperror.h"
-
-#include <sodium.h>
+#include "foundation/base/native.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,21 +20,27 @@ constexpr unsigned long long kOpsLimit = 3;
 constexpr size_t kMemLimit = 12u * 1024u * 1024u;
 constexpr std::size_t kMaxWorkers = 4;
 
-void ensureSodium()
+// libsodium, ready to hash; any thread.
+const native::Sodium& sodium()
 {
-    static const bool ready = sodium_init() >= 0;
+    const native::Sodium* api = native::sodium();
+    if (!api)
+        throw AppError(QStringLiteral("No se pudo preparar el cifrado de contraseñas: %1.")
+                           .arg(native::moduleMissing()));
+    static const bool ready = api->init() >= 0;
     if (!ready)
         throw AppError(QStringLiteral("No se pudo preparar el cifrado de contraseñas."));
+    return *api;
 }
 
 }  // namespace
 
 QString hashPassword(const QString& typed)
 {
-    ensureSodium();
+    const native::Sodium& api = sodium();
     const QByteArray utf8 = typed.toUtf8();
     char out[crypto_pwhash_STRBYTES];
-    if (crypto_pwhash_str_alg(out, utf8.constData(), static_cast<unsigned long long>(utf8.size()),
+    if (api.pwhash_str_alg(out, utf8.constData(), static_cast<unsigned long long>(utf8.size()),
                               kOpsLimit, kMemLimit, crypto_pwhash_ALG_ARGON2ID13)
         != 0)
         throw AppError(QStringLiteral("No hay memoria suficiente para cifrar la contraseña."));
@@ -46,17 +51,17 @@ bool verifyPassword(const QString& stored, const QString& typed)
 {
     if (!isPasswordHash(stored))
         return false;
-    ensureSodium();
+    const native::Sodium& api = sodium();
     const QByteArray hash = stored.toLatin1();
     const QByteArray utf8 = typed.toUtf8();
-    return crypto_pwhash_str_verify(hash.constData(), utf8.constData(),
+    return api.pwhash_str_verify(hash.constData(), utf8.constData(),
                                     static_cast<unsigned long long>(utf8.size()))
            == 0;
 }
 
 bool verifyAnyPassword(const QStringList& stored, const QString& typed)
 {
-    ensureSodium();
+    const native::Sodium& api = sodium();
     // Everything the workers read is made here, before they start.
     std::vector<QByteArray> hashes;
     for (const QString& s : stored)
@@ -70,7 +75,7 @@ bool verifyAnyPassword(const QStringList& stored, const QString& typed)
     std::atomic<bool> found{false};
     const auto work = [&] {
         for (std::size_t i = 0; !found && (i = next++) < hashes.size();)
-            if (crypto_pwhash_str_verify(hashes[i].constData(), utf8.constData(),
+            if (api.pwhash_str_verify(hashes[i].constData(), utf8.constData(),
                                          static_cast<unsigned long long>(utf8.size()))
                 == 0)
                 found = true;

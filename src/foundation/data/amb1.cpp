@@ -3,6 +3,8 @@
 // results (invoice with its lines, report groups) built from Shape texts.
 #include "foundation/data/amb1.h"
 
+#include "foundation/base/native.h"
+
 #include "foundation/data/catalogue_p.h"
 #include "foundation/data/dialect.h"
 #include "foundation/data/filter_p.h"
@@ -27,7 +29,6 @@
 #include <QVector>
 #include <algorithm>
 #include <cmath>
-#include <sqlite3.h>
 #include <vector>
 
 namespace tq {
@@ -289,22 +290,24 @@ std::shared_ptr<const Described> describe(const QString& sql)
     const QVariant handle = db.driver()->handle();
     if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0) {
         // The embedded store keeps the declared type of each column of a result.
+        const native::Sqlite* api = native::sqlite();
         sqlite3* store = *static_cast<sqlite3* const*>(handle.constData());
+        if (!api || !store)
+            return nullptr;
         sqlite3_stmt* st = nullptr;
         const QByteArray text = sql.toUtf8();
-        if (!store || sqlite3_prepare_v2(store, text.constData(), int(text.size()), &st, nullptr)
-                          != SQLITE_OK
+        if (api->prepare_v2(store, text.constData(), int(text.size()), &st, nullptr) != SQLITE_OK
             || !st) {
-            sqlite3_finalize(st);
+            api->finalize(st);
             return nullptr;
         }
-        for (int i = 0; i < sqlite3_column_count(st); ++i) {
-            out->columns.add(QString::fromUtf8(sqlite3_column_name(st, i)));
-            const char* declared = sqlite3_column_decltype(st, i);
+        for (int i = 0; i < api->column_count(st); ++i) {
+            out->columns.add(QString::fromUtf8(api->column_name(st, i)));
+            const char* declared = api->column_decltype(st, i);
             out->kinds << detail::kindOfDeclaredType(declared ? QString::fromUtf8(declared)
                                                               : QString());
         }
-        sqlite3_finalize(st);
+        api->finalize(st);
     } else {
         // A server types every column: read the types of an empty result.
         QSqlQuery q(db);

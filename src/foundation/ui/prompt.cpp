@@ -1,15 +1,15 @@
 #include "foundation/ui/prompt.h"
 
+#include "foundation/base/modules.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
 #include <QFileDialog>
-#include <QDir>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
-#include <QLibrary>
 #include <QScreen>
 #include <QWidget>
 
@@ -149,19 +149,14 @@ QString loadPrintModule()
 {
     if (g_printEntry)
         return {};
-    // Beside the program once installed; in the build folder for the tests.
     const QString file = QStringLiteral("libtarvenquil_print.so");
-    const QStringList places = {QCoreApplication::applicationDirPath(),
-                                QStringLiteral(TARVENQUIL_BUILD_DIR)};
-    for (const QString& place : places) {
-        QLibrary module(QDir(place).filePath(file));
-        if (!module.load())
-            continue;
-        g_printEntry = reinterpret_cast<PrintEntry>(module.resolve("tarvenquil_print_pages"));
-        g_printDefaultEntry =
-            reinterpret_cast<PrintDefaultEntry>(module.resolve("tarvenquil_print_default"));
-        if (g_printEntry && g_printDefaultEntry)
-            return {};
+    const auto entry = reinterpret_cast<PrintEntry>(moduleEntry(file, "tarvenquil_print_pages"));
+    const auto defaultEntry =
+        reinterpret_cast<PrintDefaultEntry>(moduleEntry(file, "tarvenquil_print_default"));
+    if (entry && defaultEntry) {
+        g_printEntry = entry;
+        g_printDefaultEntry = defaultEntry;
+        return {};
     }
     return QStringLiteral("No se puede imprimir: no se encontró el módulo de impresión (%1) "
                           "junto al programa.")
