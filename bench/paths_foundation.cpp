@@ -3,11 +3,15 @@
 #include "bare.h"
 #include "bench.h"
 
+#include "foundation/base/passwords.h"
 #include "foundation/data/amb1.h"
 #include "foundation/startup/accesos.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/users/Form1.h"
 
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
 #include <sodium.h>
 
 namespace bench {
@@ -23,7 +27,22 @@ public:
         loadGrid();
         return dataGrid()->rows();
     }
+    qint64 shown() const { return dataGrid()->rows(); }
 };
+
+EmployeeScreen& employeeScreen()
+{
+    static EmployeeScreen* screen = new EmployeeScreen;
+    return *screen;
+}
+
+// The employees that a run of the path below added, by their sign-on names;
+// each run takes away those of the runs before, on either side.
+const char* const kAdded = "bancoalta%";
+const char* const kTakeAwayRights =
+    "DELETE FROM usuariosmodulos WHERE cod_empleado IN "
+    "(SELECT cod_empleado FROM Empleados WHERE usuario LIKE ?)";
+const char* const kTakeAway = "DELETE FROM Empleados WHERE usuario LIKE ?";
 
 
 // Reads a row's fields as a print-out does.
@@ -120,13 +139,83 @@ void addFoundationPaths(Bench& bench, const Context& c)
                                       "access is granted")});
 
     bench.add({.name = QStringLiteral("employee list (Form1)"),
-               .run = [] {
-                   static EmployeeScreen* screen = new EmployeeScreen;
-                   return screen->reloadList();
-               },
+               .run = [] { return employeeScreen().reloadList(); },
                .floor = [c] { return Stmt(c.bare, "SELECT * FROM Empleados").readAll(); },
                .note = QStringLiteral("the list as the screen loads it on opening and after every "
                                       "save; building the screen's widgets is not timed")});
+
+    // A new employee among the fifty, as the screen adds one: its sign-on
+    // name held against every stored password (fifty Argon2id checks, the
+    // name being nobody's), the new hash, the employee and its rights, the
+    // list again.
+    Connection* writer = openBare(c.store, false);
+    bench.add({.name = QStringLiteral("adding an employee among 50 (Form1)"),
+               .run = [] {
+                   static int runs = 0;
+                   const QString added = QString::fromLatin1(kAdded);
+                   tq::amb1().execute(QString::fromLatin1(kTakeAwayRights), {added});
+                   tq::amb1().execute(QString::fromLatin1(kTakeAway), {added});
+                   EmployeeScreen& s = employeeScreen();
+                   s.findChild<QAbstractButton*>(QStringLiteral("Command1"))->click();
+                   const auto type = [&s](const char* field, const QString& text) {
+                       s.findChild<QLineEdit*>(QLatin1String(field))->setText(text);
+                   };
+                   type("Text1", QStringLiteral("Marta"));
+                   type("Text2", QStringLiteral("Zelaya Pineda"));
+                   type("Text3", QStringLiteral("Col. Kennedy, Tegucigalpa"));
+                   type("Text6", QStringLiteral("15/03/2024"));
+                   type("Text7", QStringLiteral("bancoaltap%1").arg(++runs));
+                   s.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(1);
+                   s.findChild<QAbstractButton*>(QStringLiteral("Command5"))->click();
+                   return s.shown();
+               },
+               .floor = [c, writer] {
+                   static int runs = 0;
+                   execBare(writer, "BEGIN");
+                   Stmt(writer, kTakeAwayRights).row(kAdded);
+                   Stmt(writer, kTakeAway).row(kAdded);
+                   execBare(writer, "COMMIT");
+                   const QString name = QStringLiteral("bancoaltab%1").arg(++runs);
+                   const QByteArray typed = name.toUtf8();
+                   bool taken = false;
+                   Stmt stored(writer, "SELECT password FROM Empleados");
+                   while (stored.next()) {
+                       const QByteArray hash = stored.columnText(0).toLatin1();
+                       taken |= crypto_pwhash_str_verify(hash.constData(), typed.constData(),
+                                                         typed.size())
+                                == 0;
+                   }
+                   if (taken)
+                       return qint64(-1);
+                   char hash[crypto_pwhash_STRBYTES];
+                   if (crypto_pwhash_str_alg(hash, typed.constData(), typed.size(),
+                                             tq::kHashPasses, tq::kHashMemory,
+                                             crypto_pwhash_ALG_ARGON2ID13)
+                       != 0)
+                       return qint64(-1);
+                   execBare(writer, "BEGIN");
+                   Stmt(writer, "INSERT INTO Empleados (nombre_empleado, apellido_empleado, "
+                                "direccion_empleado, tel_empleado, cel_empleado, "
+                                "fecha_nacimiento, rol, usuario, Password) "
+                                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
+                       .row("Marta", "Zelaya Pineda", "Col. Kennedy, Tegucigalpa", null, null,
+                            QDate(2024, 3, 15), 2, name, QString::fromLatin1(hash));
+                   for (int module = 1; module <= 3; ++module)
+                       Stmt(writer, "INSERT INTO usuariosmodulos (cod_modulo, cod_empleado) "
+                                    "SELECT ?, cod_empleado FROM Empleados WHERE usuario = ?")
+                           .row(module, name);
+                   execBare(writer, "COMMIT");
+                   return Stmt(c.bare, "SELECT * FROM Empleados").readAll();
+               },
+               .target = {.ratio = 3.0, .ceilingMs = 1000.0},
+               .note = QStringLiteral("the name is checked against the fifty stored hashes: the "
+                                      "program spreads the checks over the machine's cores, the "
+                                      "floor makes them one after another; the ceiling is the "
+                                      "second that adding an employee may take"),
+               .after = [writer] {
+                   Stmt(writer, kTakeAwayRights).row(kAdded);
+                   Stmt(writer, kTakeAway).row(kAdded);
+               }});
 
     // The invoice print: the invoice's fields, then its lines.
     const QString invoiceSql = narrowedSource(QStringLiteral("rsrfact1"), QString(),

@@ -26,6 +26,7 @@
 #include "foundation/ui/registry.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHashSeed>
@@ -192,6 +193,7 @@ private:
     QWidget* open(const QString& screen);
     void runOne(const QString& screen, int seed, bool replay);
     void fault(const QString& screen, int seed, const QString& text);
+    void readLabels(const QString& screen, int seed, const QWidget* window);
 
 private slots:
     void initTestCase();
@@ -310,6 +312,22 @@ QWidget* TestRobustness::open(const QString& screen)
     return w;
 }
 
+// What a label shows is what a screen reader reads: a name of its own that
+// leaves it out would hide the patient, the date or the laboratory behind a
+// caption.
+void TestRobustness::readLabels(const QString& screen, int seed, const QWidget* window)
+{
+    if (!window)
+        return;
+    for (const QLabel* label : window->findChildren<QLabel*>())
+        if (!label->accessibleName().isEmpty() && !label->text().isEmpty()
+            && !label->accessibleName().contains(label->text()))
+            fault(screen, seed, QStringLiteral("la etiqueta %1 muestra «%2», pero un lector de "
+                                               "pantalla lee «%3»")
+                                    .arg(label->objectName(), excerpt(label->text()),
+                                         label->accessibleName()));
+}
+
 void TestRobustness::fault(const QString& screen, int seed, const QString& text)
 {
     const QString line = QStringLiteral("%1, semilla %2, %3").arg(screen).arg(seed).arg(text);
@@ -412,9 +430,11 @@ void TestRobustness::runOne(const QString& screen, int seed, bool replay)
                 fault(screen, seed, QStringLiteral("evento %1: la pantalla no se pudo abrir").arg(event));
                 break;
             }
+            readLabels(screen, seed, target);
         }
         step(target);
     }
+    readLabels(screen, seed, target);
     sayWhere(screen, seed, event, QStringLiteral("cierra las ventanas"));
     const int left = closeEveryWindow();
     if (left)
