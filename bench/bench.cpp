@@ -30,7 +30,7 @@ constexpr int kMinRuns = 5;
 constexpr int kMaxRuns = 31;
 constexpr qint64 kBudgetNs = 1'500'000'000;
 // Whole processes: this many of each, taken in turn.
-constexpr int kProcessRuns = 21;
+constexpr int kProcessRuns = 41;
 
 double median(std::vector<double> v)
 {
