@@ -81,7 +81,7 @@ CopyProblem copyPages(sqlite3* source, const QString& file)
     sqlite3* dest = nullptr;
     const QByteArray name = QFile::encodeName(file);
     int rc = api->open_v2(name.constData(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                             nullptr);
+                          nullptr);
     if (rc != SQLITE_OK) {
         const QString detail = dest ? QString::fromUtf8(api->errmsg(dest))
                                     : QString::fromUtf8(api->errstr(rc));

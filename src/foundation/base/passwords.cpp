@@ -36,7 +36,7 @@ QString hashPassword(const QString& typed)
     const QByteArray utf8 = typed.toUtf8();
     char out[crypto_pwhash_STRBYTES];
     if (api.pwhash_str_alg(out, utf8.constData(), static_cast<unsigned long long>(utf8.size()),
-                              kHashPasses, kHashMemory, crypto_pwhash_ALG_ARGON2ID13)
+                           kHashPasses, kHashMemory, crypto_pwhash_ALG_ARGON2ID13)
         != 0)
         throw AppError(QStringLiteral("No hay memoria suficiente para cifrar la contraseña."));
     return QString::fromLatin1(out);
@@ -50,7 +50,7 @@ bool verifyPassword(const QString& stored, const QString& typed)
     const QByteArray hash = stored.toLatin1();
     const QByteArray utf8 = typed.toUtf8();
     return api.pwhash_str_verify(hash.constData(), utf8.constData(),
-                                    static_cast<unsigned long long>(utf8.size()))
+                                 static_cast<unsigned long long>(utf8.size()))
            == 0;
 }
 
@@ -71,7 +71,7 @@ bool verifyAnyPassword(const QStringList& stored, const QString& typed)
     const auto work = [&] {
         for (std::size_t i = 0; !found && (i = next++) < hashes.size();)
             if (api.pwhash_str_verify(hashes[i].constData(), utf8.constData(),
-                                         static_cast<unsigned long long>(utf8.size()))
+                                      static_cast<unsigned long long>(utf8.size()))
                 == 0)
                 found = true;
     };
