@@ -5,10 +5,10 @@
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
 #include "foundation/ui/errors.h"
-#include "foundation/startup/Form7.h"
-#include "foundation/startup/accesos.h"
-#include "foundation/startup/frmSplash.h"
-#include "foundation/startup/storeopening.h"
+#include "frame/Form7.h"
+#include "frame/accesos.h"
+#include "frame/frmSplash.h"
+#include "frame/storeopening.h"
 
 #include <QApplication>
 #include <QDir>

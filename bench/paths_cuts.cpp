@@ -5,7 +5,7 @@
 #include "bench.h"
 
 #include "foundation/data/amb1.h"
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 
 namespace bench {
 

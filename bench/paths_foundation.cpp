@@ -5,9 +5,9 @@
 
 #include "foundation/base/passwords.h"
 #include "foundation/data/amb1.h"
-#include "foundation/startup/accesos.h"
+#include "frame/accesos.h"
 #include "foundation/ui/datagrid.h"
-#include "foundation/users/Form1.h"
+#include "administration/users/Form1.h"
 
 #include <QAbstractButton>
 #include <QComboBox>

@@ -7,7 +7,7 @@
 #include "foundation/base/appstate.h"
 #include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
-#include "foundation/startup/accesos.h"
+#include "frame/accesos.h"
 #include "maintenance/backup.h"
 
 #include <QComboBox>

@@ -9,8 +9,8 @@
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/reports/report.h"
-#include "foundation/startup/Form4.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/Form4.h"
+#include "frame/MDIForm1.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/flexgrid.h"
 

@@ -10,7 +10,7 @@
 #include "foundation/data/amb1.h"
 #include "foundation/reports/ReportPreview.h"
 #include "foundation/reports/report.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/MDIForm1.h"
 
 #include <QAction>
 #include <QApplication>

@@ -8,7 +8,7 @@
 #include "billing/payment/Fcobrar.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/appstate.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/MDIForm1.h"
 #include "foundation/ui/errors.h"
 
 #include <QApplication>

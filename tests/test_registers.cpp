@@ -6,8 +6,8 @@
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/register_screen.h"
-#include "foundation/startup/MDIForm1.h"
-#include "foundation/startup/accesos.h"
+#include "frame/MDIForm1.h"
+#include "frame/accesos.h"
 
 #include <QComboBox>
 #include <QLineEdit>

@@ -21,7 +21,7 @@
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
 #include "foundation/reports/layout.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/MDIForm1.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/registry.h"
 

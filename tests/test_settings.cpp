@@ -5,7 +5,7 @@
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
-#include "foundation/settings/cardpercentage.h"
+#include "administration/settings/cardpercentage.h"
 #include "foundation/ui/errors.h"
 
 #include <QFile>

@@ -3,9 +3,9 @@
 #include "testsupport.h"
 
 #include "foundation/base/appstate.h"
-#include "foundation/startup/Form4.h"
-#include "foundation/startup/MDIForm1.h"
-#include "foundation/startup/accesos.h"
+#include "frame/Form4.h"
+#include "frame/MDIForm1.h"
+#include "frame/accesos.h"
 
 #include <QAction>
 #include <QMdiArea>

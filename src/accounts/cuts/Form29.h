@@ -1,6 +1,6 @@
 #pragma once
 // "Reporte de Ganancias por Facturas": list price against cost of each line billed in a period.
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 
 class Form29 : public tq::PeriodScreen {
 public:

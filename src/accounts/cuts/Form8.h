@@ -1,6 +1,6 @@
 #pragma once
 // "Corte por Intervalo de Fechas": the cash cut of a period, voided invoices left out.
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 
 class Form8 : public tq::PeriodScreen {
 public:

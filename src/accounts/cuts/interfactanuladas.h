@@ -1,7 +1,7 @@
 #pragma once
 // "Reporte de facturas anuladas": the invoices voided in a period. Both menu
 // entries for voided invoices open it.
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 
 class interfactanuladas : public tq::PeriodScreen {
 public:

@@ -4,7 +4,7 @@
 
 #include "accounts/receivables/insurerreport.h"
 #include "foundation/reports/report.h"
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"

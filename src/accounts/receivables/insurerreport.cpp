@@ -3,7 +3,7 @@
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/reports/report.h"
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 #include "foundation/ui/prompt.h"
 
 #include <QComboBox>

@@ -10,7 +10,7 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/flexgrid.h"
 #include "foundation/ui/prompt.h"
-#include "foundation/startup/semaforo.h"
+#include "frame/frame.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
 #include "registers/insurers/pricelist.h"

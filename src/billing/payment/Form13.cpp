@@ -3,7 +3,7 @@
 #include "ui_Form13.h"
 
 #include "foundation/base/appstate.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/frame.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/registry.h"
 
@@ -28,13 +28,13 @@ void Form13::choose(const QString& kind)
 {
     // The invoice reads the kind when it loads, to colour its caption.
     state().tipoPago = kind;
-    if (MDIForm1* main = MDIForm1::instance()) {
-        main->openFacturacion(false);
-    } else if (QWidget* invoice = ScreenRegistry::instance().create(QStringLiteral("factura3"))) {
-        invoice->setAttribute(Qt::WA_DeleteOnClose);
-        invoice->show();
-    } else {
-        notBuiltNotice(QStringLiteral("factura3"));
+    if (!openInvoiceOnPanel(false)) {
+        if (QWidget* invoice = ScreenRegistry::instance().create(QStringLiteral("factura3"))) {
+            invoice->setAttribute(Qt::WA_DeleteOnClose);
+            invoice->show();
+        } else {
+            notBuiltNotice(QStringLiteral("factura3"));
+        }
     }
     close();
 }

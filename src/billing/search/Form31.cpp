@@ -5,8 +5,8 @@
 #include "foundation/base/apperror.h"
 #include "foundation/data/amb1.h"
 #include "foundation/reports/report.h"
-#include "foundation/startup/MDIForm1.h"
-#include "foundation/startup/pictures.h"
+#include "frame/frame.h"
+#include "foundation/ui/pictures.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
@@ -59,10 +59,10 @@ Form31::~Form31() = default;
 
 Form31* Form31::showInvoice(std::int32_t numero, bool anulada, bool canVoid)
 {
-    auto* box = new Form31(MDIForm1::instance());
+    auto* box = new Form31(mainWindow());
     box->m_factura = numero;
     box->ui->Command1->setEnabled(canVoid && numero != 0);
-    const QWidget* main = MDIForm1::instance();
+    const QWidget* main = mainWindow();
     const QScreen* screen = QGuiApplication::primaryScreen();
     const QPoint corner = main ? main->geometry().topLeft()
                                : (screen ? screen->availableGeometry().topLeft() : QPoint());

@@ -1,4 +1,4 @@
-#include "foundation/settings/RateScreen.h"
+#include "administration/settings/RateScreen.h"
 
 #include "ui_RateScreen.h"
 

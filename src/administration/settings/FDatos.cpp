@@ -1,4 +1,4 @@
-#include "foundation/settings/FDatos.h"
+#include "administration/settings/FDatos.h"
 
 #include "ui_FDatos.h"
 

@@ -1,4 +1,4 @@
-#include "foundation/settings/cardpercentage.h"
+#include "administration/settings/cardpercentage.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"

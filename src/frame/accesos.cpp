@@ -1,10 +1,10 @@
-#include "foundation/startup/accesos.h"
+#include "frame/accesos.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
-#include "foundation/startup/Form7.h"
-#include "foundation/startup/MDIForm1.h"
+#include "frame/Form7.h"
+#include "frame/MDIForm1.h"
 #include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
 

@@ -1,4 +1,4 @@
-#include "foundation/users/AdminPrompt.h"
+#include "administration/users/AdminPrompt.h"
 
 #include "ui_AdminPrompt.h"
 

@@ -1,4 +1,4 @@
-#include "foundation/startup/Form4.h"
+#include "frame/Form4.h"
 
 #include "ui_Form4.h"
 
@@ -6,7 +6,7 @@
 #include "foundation/reports/report.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
-#include "foundation/startup/pictures.h"
+#include "foundation/ui/pictures.h"
 #include "foundation/base/values.h"
 
 #include <QMouseEvent>

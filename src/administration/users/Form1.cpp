@@ -1,4 +1,4 @@
-#include "foundation/users/Form1.h"
+#include "administration/users/Form1.h"
 
 #include "ui_Form1.h"
 

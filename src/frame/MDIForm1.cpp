@@ -1,4 +1,5 @@
-#include "foundation/startup/MDIForm1.h"
+#include "frame/MDIForm1.h"
+#include "frame/frame.h"
 
 #include "ui_MDIForm1.h"
 
@@ -8,8 +9,8 @@
 #include "foundation/ui/prompt.h"
 #include "foundation/reports/report.h"
 #include "foundation/ui/registry.h"
-#include "foundation/startup/Form4.h"
-#include "foundation/startup/accesos.h"
+#include "frame/Form4.h"
+#include "frame/accesos.h"
 #include "foundation/base/values.h"
 #include "foundation/ui/widgets.h"
 
@@ -156,6 +157,17 @@ MDIForm1::~MDIForm1()
 }
 
 MDIForm1* MDIForm1::instance() { return g_main.data(); }
+
+QWidget* tq::mainWindow() { return MDIForm1::instance(); }
+
+bool tq::openInvoiceOnPanel(bool restart)
+{
+    MDIForm1* main = MDIForm1::instance();
+    if (!main)
+        return false;
+    main->openFacturacion(restart);
+    return true;
+}
 
 MDIForm1* MDIForm1::showMain()
 {

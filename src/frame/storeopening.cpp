@@ -1,9 +1,9 @@
-#include "foundation/startup/storeopening.h"
+#include "frame/storeopening.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/ui/errors.h"
-#include "foundation/startup/accesos.h"
+#include "frame/accesos.h"
 
 #include <QCoreApplication>
 #include <QEvent>

@@ -1,11 +1,11 @@
-#include "foundation/startup/frmSplash.h"
+#include "frame/frmSplash.h"
 
 #include "ui_frmSplash.h"
 
 #include "foundation/data/datafolder.h"
 #include "foundation/ui/registry.h"
-#include "foundation/startup/accesos.h"
-#include "foundation/startup/pictures.h"
+#include "frame/accesos.h"
+#include "foundation/ui/pictures.h"
 
 #include <QCloseEvent>
 #include <QFileInfo>

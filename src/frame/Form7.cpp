@@ -1,4 +1,4 @@
-#include "foundation/startup/Form7.h"
+#include "frame/Form7.h"
 
 #include "ui_Form7.h"
 
@@ -7,8 +7,8 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
-#include "foundation/startup/accesos.h"
-#include "foundation/startup/storeopening.h"
+#include "frame/accesos.h"
+#include "frame/storeopening.h"
 
 #include <QCloseEvent>
 #include <QPalette>

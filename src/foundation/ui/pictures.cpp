@@ -1,4 +1,4 @@
-#include "foundation/startup/pictures.h"
+#include "foundation/ui/pictures.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,10 +1,11 @@
-#include "foundation/startup/semaforo.h"
+#include "frame/semaforo.h"
+#include "frame/frame.h"
 
 #include "ui_semaforo.h"
 
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
-#include "foundation/startup/pictures.h"
+#include "foundation/ui/pictures.h"
 
 #include <QTimer>
 

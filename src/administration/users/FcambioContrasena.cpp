@@ -1,4 +1,4 @@
-#include "foundation/users/FcambioContrasena.h"
+#include "administration/users/FcambioContrasena.h"
 
 #include "ui_FcambioContrasena.h"
 

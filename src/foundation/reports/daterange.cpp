@@ -1,4 +1,4 @@
-#include "foundation/ui/daterange.h"
+#include "foundation/reports/daterange.h"
 
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"

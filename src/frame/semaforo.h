@@ -23,8 +23,3 @@ private:
     std::unique_ptr<Ui::semaforo> ui;
     QTimer* m_timer = nullptr;   // Timer1
 };
-
-namespace tq {
-// Shows the pause modally and returns when it has gone.
-void pausa();
-}
