@@ -1,5 +1,6 @@
 // The exam catalogue (Form6), its types (Form3) and the exam picker
 // (FBuscarArticulo through tq::chooseExam), driven by their controls.
+#include "billing_fixture.h"
 #include "testsupport.h"
 
 #include "foundation/base/appstate.h"
@@ -19,19 +20,6 @@ using namespace tq::test;
 namespace {
 
 FlexGrid* grid(QWidget* w) { return control<FlexGrid>(w, "Grid1"); }
-
-int addType(const QString& name)
-{
-    return amb1().insert("TipoExamen", {"tipo_examen"}, {name}).toInt();
-}
-
-int addExam(int type, const QString& name, double price, double other = 0)
-{
-    return amb1()
-        .insert("Examenes", {"cod_tipo_examen", "examen", "precio", "precioo", "tiempo_entrega"},
-                {type, name, price, other, "1 dia"})
-        .toInt();
-}
 
 // The rows a picker shows: "code|name|price".
 QStringList shown(FlexGrid* g)
@@ -59,7 +47,7 @@ private slots:
         QCOMPARE(state().screenNumber, std::int16_t(6));
         w->close();
 
-        const int type = addType("Hematologia");
+        const int type = addExamType("Hematologia");
         for (int i = 0; i < 105; ++i)
             addExam(type, QString("Examen %1").arg(i, 3, 10, QChar('0')), 10 + i);
         const int oneil = addExam(type, "Zinc de O'Neil", 0.5, 80);
@@ -100,42 +88,25 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
-        const int type = addType("Quimica");
+        const int type = addExamType("Quimica");
         QPointer<QWidget> w = openScreen("Form6");
-        auto* types = control<QComboBox>(w, "Combo1");
         auto* fills = control<QComboBox>(w, "Combo2");
 
         QVERIFY(clickNamed(w, "agregar"));
-        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe especificar el tipo de Examen"});
-        QCOMPARE(w->focusWidget(), types);
-        pickEntry(types, 0);
-        QCOMPARE(press(w, "guardar", sp), QStringList{"Debe especificar un Nombre de Examen"});
-        typeKeys(edit(w, "Text2"), QString(101, 'x'));
-        QCOMPARE(press(w, "guardar", sp),
-                 QStringList{"El nombre del examen no puede tener más de 100 caracteres."});
-        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 0);
-
-        retype(edit(w, "Text2"), "Glucosa D'Arcy");
+        QCOMPARE(refusals(w, sp, "guardar",
+                          {{"Debe especificar el tipo de Examen", "Combo1", QString("%1_Quimica").arg(type)},
+                           {"Debe especificar un Nombre de Examen", "Text2", QString(101, 'x')},
+                           {"El nombre del examen no puede tener más de 100 caracteres.", "Text2",
+                            "Glucosa D'Arcy"}},
+                          "Examenes"),
+                 QString());
         typeKeys(edit(w, "Text3"), "45.5");
         pickEntry(fills, 0);
-        QCOMPARE(fills->currentText(), QString("Si"));
         QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
-        const int code = value("SELECT cod_descripcionexamen FROM Examenes WHERE examen = ?",
-                               {"Glucosa D'Arcy"})
-                             .toInt();
-        QVERIFY(code > 0);
+        QCOMPARE(count("SELECT COUNT(*) FROM Examenes WHERE examen = ?", {"Glucosa D'Arcy"}), 1);
         // The row as stored: fills a result, price, insured price, type.
-        const auto stored = [](int code) {
-            Recordset rs;
-            rs.open("SELECT llenaresultado, precio, precioo, cod_tipo_examen FROM Examenes "
-                    "WHERE cod_descripcionexamen = ?", {code});
-            return QStringList{QString::number(rs.field("llenaresultado").toInt()),
-                               QString::number(rs.field("precio").toDouble()),
-                               QString::number(rs.field("precioo").toDouble()),
-                               QString::number(rs.field("cod_tipo_examen").toInt())}
-                .join('/');
-        };
-        QCOMPARE(stored(code), QString("0/45.5/0/%1").arg(type));
+        const QString stored = "SELECT llenaresultado, precio, precioo, cod_tipo_examen FROM Examenes";
+        QCOMPARE(row(stored), (QStringList{"0", "45.5", "0", QString::number(type)}));
 
         // The grid shows "No" for it; a modify with "Si" sets it.
         clickGridRow(grid(w), 1);
@@ -143,7 +114,7 @@ private slots:
         QVERIFY(clickNamed(w, "modificar"));
         pickEntry(fills, 0);
         QCOMPARE(press(w, "guardar", sp), QStringList{"Proceso exitoso"});
-        QVERIFY(stored(code).startsWith("1/45.5/"));
+        QCOMPARE(row(stored).mid(0, 2), (QStringList{"1", "45.5"}));
         QCOMPARE(grid(w)->textMatrix(1, 6), QString("Si"));
     }
 
@@ -152,29 +123,26 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
-        const int type = addType("Orina");
+        const int type = addExamType("Orina");
         const int billed = addExam(type, "Examen A", 10);
         const int free = addExam(type, "Examen B", 20);
         amb1().execute("INSERT INTO FacturaDetalle (factura, cod_descripcionexamen, cantidad) "
                        "VALUES (1, ?, 1)",
                        {billed});
-        // A price list does not hold an exam back.
-        amb1().execute("INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
-                       "VALUES (0, ?, 5)",
-                       {free});
+        addListPrice(0, free, 5);   // a price list does not hold an exam back
         QPointer<QWidget> w = openScreen("Form6");
         FlexGrid* g = grid(w);
 
         clickGridRow(g, findRow(g, 1, QString::number(billed)));
         QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
                  QStringList{"No se puede eliminar el Examen, tiene facturas creadas a su nombre"});
-        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 2);
+        QCOMPARE(rowsIn("Examenes"), 2);
 
         clickGridRow(g, findRow(g, 1, QString::number(free)));
         QCOMPARE(press(w, "eliminar", sp, Answer::No), QStringList{"Esta seguro de eliminar el examen"});
         QCOMPARE(sp.prompts[0].title, QString("Confirme"));
         QCOMPARE(sp.prompts[0].buttons, Buttons::YesNo);
-        QCOMPARE(value("SELECT COUNT(*) FROM Examenes").toInt(), 2);
+        QCOMPARE(rowsIn("Examenes"), 2);
         QCOMPARE(press(w, "eliminar", sp, Answer::Yes), QStringList{"Esta seguro de eliminar el examen"});
         QCOMPARE(value("SELECT COUNT(*) FROM Examenes WHERE cod_descripcionexamen = ?", {free}).toInt(), 0);
         QCOMPARE(g->rows(), 2);
@@ -186,7 +154,7 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
-        const int first = addType("Heces");
+        const int first = addExamType("Heces");
         QPointer<QWidget> w = openScreen("Form6");
         QString seen;
         sp.onModal("Form3", [&](QWidget* f3) {
@@ -218,14 +186,12 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
-        const int type = addType("Varios");
+        const int type = addExamType("Varios");
         const int a = addExam(type, "Acido Urico", 100);
         const int b = addExam(type, "Bilirrubina O'Neil", 200);
-        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (7, 'Seguros Sur')");
-        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (8, 'Sin Lista')");
-        amb1().execute("INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
-                       "VALUES (7, ?, 75.5)",
-                       {b});
+        addInsurer(7, "Seguros Sur");
+        addInsurer(8, "Sin Lista");
+        addListPrice(7, b, 75.5);
 
         QStringList list;
         std::int16_t selector = 0;

@@ -1,5 +1,6 @@
 // Insurers (Fseguro) and their price lists (FSegurosPrecios), driven by
 // their controls.
+#include "billing_fixture.h"
 #include "store_faults.h"
 #include "testsupport.h"
 
@@ -72,21 +73,15 @@ private slots:
         retype(edit(w, "Text1"), "");
         const QString notANumber =
             "El código del seguro debe ser un número entero entre 0 y 2147483647.";
-        const QList<QPair<QString, QString>> steps = {
-            {"Debe Ingresar el Codigo.", "Text1=12x"},
-            {"Debe Ingresar la Empresa.", "Text2=Sin Seguro"},
-            {notANumber, "Text1=99999999999"},
-            {notANumber, "Text1=0"},
-            {"El nombre de esa Empresa ya existe, verifique el nombre", "Text2=Seguros O'Neil"},
-            {"Ya existe un seguro con el código 0.", "Text1=5"},
-        };
-        for (const auto& [message, next] : steps) {
-            QCOMPARE(press(w, "guardar", sp), QStringList{message});
-            QCOMPARE(sp.prompts[0].icon, Icon::Exclamation);
-            QCOMPARE(value("SELECT COUNT(*) FROM seguros").toInt(), 1);
-            const QStringList field = next.split('=');
-            retype(edit(w, field[0]), field[1]);
-        }
+        QCOMPARE(refusals(w, sp, "guardar",
+                          {{"Debe Ingresar el Codigo.", "Text1", "12x"},
+                           {"Debe Ingresar la Empresa.", "Text2", "Sin Seguro"},
+                           {notANumber, "Text1", "99999999999"},
+                           {notANumber, "Text1", "0"},
+                           {"El nombre de esa Empresa ya existe, verifique el nombre", "Text2", "Seguros O'Neil"},
+                           {"Ya existe un seguro con el código 0.", "Text1", "5"}},
+                          "seguros", Icon::Exclamation),
+                 QString());
         typeKeys(edit(w, "Text6"), "11-22'3");
         QCOMPARE(press(w, "guardar", sp), QStringList{"El nuevo seguro ha sido ingresado a sus datos"});
         QCOMPARE(value("SELECT Empresa || '/' || Cuenta FROM seguros WHERE Cod_Seguro = 5").toString(),
@@ -138,19 +133,12 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
-        const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Varios"}).toInt();
-        auto exam = [type](const QString& name, double price) {
-            return QString::number(amb1()
-                                       .insert("Examenes", {"cod_tipo_examen", "examen", "precio"},
-                                               {type, name, price})
-                                       .toInt());
-        };
-        const QString a = exam("Acido Urico", 100), b = exam("Bilirrubina O'Neil", 200),
-                      c = exam("Colesterol", 300);
-        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (7, 'Seguros Sur')");
-        amb1().execute("INSERT INTO RelSeguroPrecios (cod_seguro, Cod_descripcionexamen, precio) "
-                       "VALUES (7, ?, 50)",
-                       {a});
+        const int type = addExamType("Varios");
+        const QString a = QString::number(addExam(type, "Acido Urico", 100)),
+                      b = QString::number(addExam(type, "Bilirrubina O'Neil", 200)),
+                      c = QString::number(addExam(type, "Colesterol", 300));
+        addInsurer(7, "Seguros Sur");
+        addListPrice(7, a.toInt(), 50);
 
         QPointer<QWidget> w = openScreen("FSegurosPrecios");
         auto* g1 = control<FlexGrid>(w, "Grid1");

@@ -2,9 +2,9 @@
 // voiding (Form32, Form31), driven through their controls. What a screen
 // decided to print or show is read from the last report run, and the rows
 // from the shared recordsets and the store.
-#include "testsupport.h"
-
+#include "billing_fixture.h"
 #include "store_faults.h"
+#include "testsupport.h"
 
 #include "billing/invoice/factura3.h"
 #include "foundation/base/values.h"
@@ -31,23 +31,19 @@ const QDate kDay(2026, 3, 14);
 
 void fillInvoices()
 {
-    const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Química"}).toInt();
-    const int urea = amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, "Urea", 120}).toInt();
-    const int gluc = amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, "Glucosa", 80}).toInt();
-    const int ana = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"Ana", "Paz"}).toInt();
-    const int darcy = amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"D'Arcy", "Lanza"}).toInt();
+    const int type = addExamType("Química");
+    const int urea = addExam(type, "Urea", 120), gluc = addExam(type, "Glucosa", 80);
+    const int ana = addPatient("Ana", "Paz"), darcy = addPatient("D'Arcy", "Lanza");
     const QStringList cols = {"factura", "fecha", "cod_paciente", "sub_total", "total", "Abono",
                               "adicional", "valadicional", "anulada", "faturado"};
     amb1().insert("Factura", cols, {1, kDay, ana, "200.00", "200.00", "200.00", QVariant(), ".00", false, "caja"});
     amb1().insert("Factura", cols, {2, kDay, ana, "120.00", "108.00", "108.00", "Descuento", "12.00", false, "caja"});
     amb1().insert("Factura", cols, {3, kDay, darcy, "80.00", "80.00", ".00", QVariant(), ".00", true, "caja"});
     amb1().insert("Factura", cols, {4, kDay.addDays(1), darcy, "80.00", "80.00", "80.00", "", ".00", false, "caja"});
-    const QStringList line = {"factura", "cod_descripcionexamen", "cantidad", "subtotal"};
-    amb1().insert("FacturaDetalle", line, {1, urea, 1, "120.00"});
-    amb1().insert("FacturaDetalle", line, {1, gluc, 1, "80.00"});
-    amb1().insert("FacturaDetalle", line, {2, urea, 1, "120.00"});
-    amb1().insert("FacturaDetalle", line, {3, gluc, 1, "80.00"});
-    amb1().insert("FacturaDetalle", line, {4, gluc, 1, "80.00"});
+    for (const auto& [n, code, price] : {std::tuple{1, urea, "120.00"}, {1, gluc, "80.00"}, {2, urea, "120.00"},
+                                         {3, gluc, "80.00"}, {4, gluc, "80.00"}})
+        amb1().insert("FacturaDetalle", {"factura", "cod_descripcionexamen", "cantidad", "subtotal"},
+                      {n, code, 1, price});
     for (const auto& [code, name] : {std::pair{urea, "Urea"}, {gluc, "Glucosa"}, {gluc, "Glucosa"}})
         amb1().insert("EvaluadoTemporal", {"factura", "cod_descripcionexamen", "examen"}, {1, code, name});
 }
@@ -87,13 +83,6 @@ QString lastRun()
         .arg(captions.join(','), QLatin1String(show[int(r.show)]));
 }
 
-// A screen that closed itself is gone once its deferred deletion has run.
-bool closed(const QPointer<QWidget>& w)
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return !w;
-}
-
 void resetLastRun() { runReport({.report = "ninguno", .command = "rsrfact1", .filter = "factura =0"}); }
 
 // The invoice screen with a saved invoice's number, as after its save.
@@ -114,336 +103,296 @@ QList<int> waiting(int n)
     return out;
 }
 
+// The voiding box on invoice `n`, reached through the number box.
+QWidget* voidingBox(ScriptedPrompts& sp, int n)
+{
+    QPointer<QWidget> w = openScreen("Form32");
+    retype(edit(w, "Text1"), QString::number(n));
+    press(w, "Command1", sp);
+    return visibleWindow("Form31");
+}
+
+// "ANULAR" answered Yes, with the reason typed (the motive box cancelled when none).
+void voidWith(QWidget* box, ScriptedPrompts& sp, std::optional<QString> reason)
+{
+    sp.clear();
+    sp.answers.push_back(Answer::Yes);
+    if (reason)
+        sp.inputs.push_back(reason);
+    QVERIFY(clickNamed(box, "Command1"));
+}
+
 }  // namespace
 
 class TestInvoiceSearch : public QObject {
     Q_OBJECT
+    // Every test on a fresh store holding the invoices of fillInvoices.
+    std::optional<TempStore> m_store;
+    std::optional<ScriptedPrompts> m_sp;
+
 private slots:
-    void cleanup() { closeAll(); }
-
-    void printBoxRefusesWhatNamesNoInvoice();
-    void invoiceScreenOpensThePrintBoxOnItsInvoice();
-    void searchListsEveryInvoiceInThreeOrders();
-    void searchNarrowsByDateNameAndNumber();
-    void aRowShowsTheInvoicesLines();
-    void aLongListIsReadAsItIsScrolled();
-    void numberBoxShowsTheInvoiceForVoiding();
-    void voidingMarksTheInvoiceAndTakesOneExamOffTheTable();
-    void voidingIsAllOrNothing();
-};
-
-void TestInvoiceSearch::printBoxRefusesWhatNamesNoInvoice()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    resetLastRun();
-    QWidget* w = openScreen("FImpresion");
-    QVERIFY(w);
-    QPointer<QWidget> box(w);
-    const QString before = lastRun();
-    QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
-    for (const char* typed : {"999", "1.5"}) {
-        retype(edit(w, "Text1"), typed);
-        QCOMPARE(press(w, "Command1", sp), QStringList{"el numero de factura no existe verifique el dato"});
-    }
-    // Beyond 32 bits: refused in words, never wrapped onto another invoice.
-    retype(edit(w, "Text1"), "4294967297");
-    const QStringList tooLarge = press(w, "Command1", sp);
-    QCOMPARE(tooLarge.size(), 1);
-    QVERIFY2(tooLarge[0].contains("demasiado grande"), qPrintable(tooLarge[0]));
-    // Only the amount keys pass into the number.
-    retype(edit(w, "Text1"), "a1b2");
-    QCOMPARE(edit(w, "Text1")->text(), QString("12"));
-    QVERIFY(box && box->isVisible());
-    QCOMPARE(lastRun(), before);
-    // "Cancelar" clears the number.
-    QVERIFY(clickNamed(w, "Command2"));
-    QCOMPARE(edit(w, "Text1")->text(), QString());
-}
-
-void TestInvoiceSearch::invoiceScreenOpensThePrintBoxOnItsInvoice()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    for (const bool ticket : {false, true}) {
-        amb1().execute("UPDATE datos SET ticketera = ?", {ticket});
-        SavedInvoice invoice(2);
-        QStringList seen;
-        sp.onModal("FImpresion", [&](QWidget* box) {
-            seen << (control<QRadioButton>(box, "Option1")->isChecked() ? "Tiket" : "Media Carta");
-            seen << edit(box, "Text1")->text();
-            QVERIFY(!edit(box, "Text1")->isEnabled());
-            QVERIFY(!control<QWidget>(box, "Command2")->isEnabled());
-            // The form is still a choice per print.
-            tick(control<QRadioButton>(box, "Option2"));
-            QVERIFY(clickNamed(box, "Command1"));
-        });
-        invoice.imprimir();
-        QCOMPARE(seen, (QStringList{ticket ? "Tiket" : "Media Carta", "2"}));
-        QCOMPARE(lastRun(), QString("DataReport1|rsrfact1|factura =2|1|Etiqueta14=Descuento|Printer"));
-    }
-}
-
-void TestInvoiceSearch::searchListsEveryInvoiceInThreeOrders()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    QWidget* w = openScreen("Form9");
-    auto* grid = control<DataGrid>(w, "DataGrid1");
-    // By date the criterion is the picker's.
-    QVERIFY(!edit(w, "Text1")->isEnabled());
-    QCOMPARE(control<QDateEdit>(w, "DTPicker1")->displayFormat(), QString("dd/MM/yy"));
-    const QList<QPair<const char*, QStringList>> orders = {
-        {"Option1", {"fecha", "factura", "cod_paciente", "nombre_paciente"}},
-        {"Option2", {"nombre_paciente", "apellido_paciente", "fecha", "factura"}},
-        {"Option3", {"factura", "fecha", "cod_paciente", "nombre_paciente"}},
-    };
-    for (const auto& [option, first] : orders) {
-        tick(control<QRadioButton>(w, option));
-        QCOMPARE(edit(w, "Text1")->isEnabled(), QString(option) != "Option1");
-        QVERIFY(press(w, "Command1", sp).isEmpty());
-        QCOMPARE(grid->columnNames().mid(0, 4), first);
-        QCOMPARE(grid->columns(), 8);
-        // Voided invoices are listed like the others.
-        QCOMPARE(grid->rows(), 4);
-        QVERIFY(grid->findRow("factura", 3) >= 0);
-    }
-}
-
-void TestInvoiceSearch::searchNarrowsByDateNameAndNumber()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    QWidget* w = openScreen("Form9");
-    auto* grid = control<DataGrid>(w, "DataGrid1");
-    auto numbers = [grid] {
-        QList<int> out;
-        for (int r = 0; r < grid->rows(); ++r)
-            out << grid->value(r, "factura").toInt();
-        std::sort(out.begin(), out.end());
-        return out;
-    };
-    // Typing before the list is loaded narrows nothing.
-    tick(control<QRadioButton>(w, "Option2"));
-    typeKeys(edit(w, "Text1"), "D");
-    QCOMPARE(grid->rows(), 0);
-
-    tick(control<QRadioButton>(w, "Option1"));
-    press(w, "Command1", sp);
-    control<QDateEdit>(w, "DTPicker1")->setDate(kDay.addDays(1));
-    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("fecha =15/03/2026"));
-    QCOMPARE(numbers(), QList<int>{4});
-    control<QDateEdit>(w, "DTPicker1")->setDate(kDay);
-    QCOMPARE(numbers(), (QList<int>{1, 2, 3}));
-
-    tick(control<QRadioButton>(w, "Option2"));
-    press(w, "Command1", sp);
-    retype(edit(w, "Text1"), "d'a");
-    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("nombre_paciente like '*d''a*'"));
-    QCOMPARE(numbers(), (QList<int>{3, 4}));
-    // A blank criterion keeps the list as it was.
-    retype(edit(w, "Text1"), "");
-    QCOMPARE(numbers(), (QList<int>{3, 4}));
-
-    tick(control<QRadioButton>(w, "Option3"));
-    press(w, "Command1", sp);
-    retype(edit(w, "Text1"), "2");
-    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("factura =2"));
-    QCOMPARE(numbers(), QList<int>{2});
-    sp.clear();
-    retype(edit(w, "Text1"), "99999999999");
-    // Refused in words from the first digit too many: the narrowing of the
-    // last number that fits stands, never a number wrapped onto another invoice.
-    QVERIFY(!sp.messages().isEmpty());
-    for (const QString& m : sp.messages())
-        QVERIFY2(m.contains("demasiado grande"), qPrintable(m));
-    QCOMPARE(amb1().rs("rsconsultas").filter(), QString("factura =999999999"));
-}
-
-void TestInvoiceSearch::aRowShowsTheInvoicesLines()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    QWidget* w = openScreen("Form9");
-    auto* grid = control<DataGrid>(w, "DataGrid1");
-    // Each order holds the number in another column: the click reads the right one.
-    for (const char* option : {"Option1", "Option2", "Option3"}) {
-        tick(control<QRadioButton>(w, option));
-        press(w, "Command1", sp);
-        QStringList shown;
-        QString filterWhileOpen;
-        sp.onModal("Form12", [&](QWidget* detail) {
-            auto* lines = control<DataGrid>(detail, "DataGrid1");
-            for (int r = 0; r < lines->rows(); ++r)
-                shown << lines->text(r, "examen");
-            filterWhileOpen = amb1().rs("rsDetallefact").filter();
-        });
-        clickRow(grid, grid->findRow("factura", 1));
-        shown.sort();
-        QCOMPARE(shown, (QStringList{"Glucosa", "Urea"}));
-        QCOMPARE(filterWhileOpen, QString("factura =1"));
-        // Closing the detail clears its narrowing.
-        QCOMPARE(amb1().rs("rsDetallefact").filter(), QString());
-    }
-}
-
-void TestInvoiceSearch::aLongListIsReadAsItIsScrolled()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    const int ana = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Ana'").toInt();
-    const int darcy = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'D''Arcy'").toInt();
+    void init()
     {
-        Transaction t;
-        for (int n = 10; n < 2510; ++n)
-            amb1().insert("Factura", {"factura", "fecha", "cod_paciente", "total"},
-                          {n, kDay, n % 2 ? darcy : ana, "10.00"});
-        t.commit();
+        m_store.emplace();
+        m_sp.emplace();
+        fillInvoices();
     }
-    QWidget* w = openScreen("Form9");
-    w->resize(800, 400);
-    auto* grid = control<DataGrid>(w, "DataGrid1");
-    // The scroll bar dragged to its end.
-    auto toTheEnd = [grid] {
-        QCoreApplication::processEvents();
-        QScrollBar* bar = grid->verticalScrollBar();
-        QVERIFY(bar->maximum() > 0);
-        bar->setValue(bar->maximum());
-        QCoreApplication::processEvents();
-    };
-    tick(control<QRadioButton>(w, "Option2"));
-    press(w, "Command1", sp);
-    const int first = grid->rows();
-    QVERIFY(first < 2504);
-    toTheEnd();
-    QCOMPARE(grid->rows(), 2504);
-    // Narrowed, the rows beyond the first read are reached the same way,
-    // and the narrowing holds for them.
-    press(w, "Command1", sp);
-    retype(edit(w, "Text1"), "d'a");
-    QCOMPARE(grid->rows(), std::min(first, 1252));
-    toTheEnd();
-    QCOMPARE(grid->rows(), 1252);
-    QCOMPARE(grid->findRow("nombre_paciente", "Ana"), -1);
-    QVERIFY(sp.messages().isEmpty());
-}
+    void cleanup()
+    {
+        closeAll();
+        m_sp.reset();
+        m_store.reset();
+    }
 
-void TestInvoiceSearch::numberBoxShowsTheInvoiceForVoiding()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    QPointer<QWidget> w = openScreen("Form32");
-    QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
-    retype(edit(w, "Text1"), "999");
-    QCOMPARE(press(w, "Command1", sp), QStringList{"El numero de Factura no existe"});
-    QVERIFY(w);
-    retype(edit(w, "Text1"), "1");
-    QVERIFY(press(w, "Command1", sp).isEmpty());
-    QCOMPARE(lastRun(), QString("DataReport13|rsrfact1|factura=1|13||Modeless"));
-    QVERIFY(closed(w));
-    QWidget* box = visibleWindow("Form31");
-    QVERIFY(box);
-    QVERIFY(control<QWidget>(box, "Command1")->isEnabled());
-    QVERIFY(visibleWindow("DataReport13"));
-    // An invoice already voided comes with its voided copy, and may be voided again.
-    w = openScreen("Form32");
-    retype(edit(w, "Text1"), "3");
-    press(w, "Command1", sp);
-    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
-    // "SALIR" takes the box and its copy away.
-    QVERIFY(clickNamed(box, "Command2"));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!visibleWindow("DataReport13"));
-}
+    void printBoxRefusesWhatNamesNoInvoice()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        resetLastRun();
+        QPointer<QWidget> w = openScreen("FImpresion");
+        QVERIFY(w);
+        const QString before = lastRun();
+        QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
+        for (const char* typed : {"999", "1.5"}) {
+            retype(edit(w, "Text1"), typed);
+            QCOMPARE(press(w, "Command1", sp), QStringList{"el numero de factura no existe verifique el dato"});
+        }
+        // Beyond 32 bits: refused in words, never wrapped onto another invoice.
+        retype(edit(w, "Text1"), "4294967297");
+        const QStringList tooLarge = press(w, "Command1", sp);
+        QVERIFY2(tooLarge.size() == 1 && tooLarge[0].contains("demasiado grande"), qPrintable(tooLarge.join('|')));
+        // Only the amount keys pass into the number.
+        retype(edit(w, "Text1"), "a1b2");
+        QCOMPARE(edit(w, "Text1")->text(), QString("12"));
+        QVERIFY(w && w->isVisible());
+        QCOMPARE(lastRun(), before);
+        // "Cancelar" clears the number.
+        QVERIFY(clickNamed(w, "Command2"));
+        QCOMPARE(edit(w, "Text1")->text(), QString());
+    }
 
-void TestInvoiceSearch::voidingMarksTheInvoiceAndTakesOneExamOffTheTable()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    const QList<int> before = waiting(1);
-    QPointer<QWidget> w = openScreen("Form32");
-    retype(edit(w, "Text1"), "1");
-    press(w, "Command1", sp);
-    QWidget* box = visibleWindow("Form31");
-    QVERIFY(box);
+    void invoiceScreenOpensThePrintBoxOnItsInvoice()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        for (const bool ticket : {false, true}) {
+            amb1().execute("UPDATE datos SET ticketera = ?", {ticket});
+            SavedInvoice invoice(2);
+            QStringList seen;
+            sp.onModal("FImpresion", [&](QWidget* box) {
+                seen << (control<QRadioButton>(box, "Option1")->isChecked() ? "Tiket" : "Media Carta");
+                seen << edit(box, "Text1")->text();
+                QVERIFY(!edit(box, "Text1")->isEnabled() && !control<QWidget>(box, "Command2")->isEnabled());
+                // The form is still a choice per print.
+                tick(control<QRadioButton>(box, "Option2"));
+                QVERIFY(clickNamed(box, "Command1"));
+            });
+            invoice.imprimir();
+            QCOMPARE(seen, (QStringList{ticket ? "Tiket" : "Media Carta", "2"}));
+            QCOMPARE(lastRun(), QString("DataReport1|rsrfact1|factura =2|1|Etiqueta14=Descuento|Printer"));
+        }
+    }
 
-    // Anything but Yes leaves it alone.
-    QCOMPARE(press(box, "Command1", sp, Answer::No), QStringList{"Esta seguro que desea anular la factura"});
-    QVERIFY(!voided(1));
-    QVERIFY(sp.prompts.size() == 1);
+    // Every invoice, the voided too, in each of the three orders; a row's
+    // click shows that invoice's lines, whichever column holds its number.
+    void searchListsEveryInvoiceAndItsLines()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        QWidget* w = openScreen("Form9");
+        auto* grid = control<DataGrid>(w, "DataGrid1");
+        const QList<QPair<const char*, QStringList>> orders = {
+            {"Option1", {"fecha", "factura", "cod_paciente", "nombre_paciente"}},
+            {"Option2", {"nombre_paciente", "apellido_paciente", "fecha", "factura"}},
+            {"Option3", {"factura", "fecha", "cod_paciente", "nombre_paciente"}},
+        };
+        for (const auto& [option, first] : orders) {
+            tick(control<QRadioButton>(w, option));
+            // By date the criterion is the picker's.
+            QCOMPARE(edit(w, "Text1")->isEnabled(), QString(option) != "Option1");
+            QVERIFY(press(w, "Command1", sp).isEmpty());
+            QCOMPARE(grid->columnNames().mid(0, 4), first);
+            QCOMPARE(grid->columns(), 8);
+            QCOMPARE(grid->rows(), 4);
+            QVERIFY(grid->findRow("factura", 3) >= 0);
 
-    sp.clear();
-    sp.answers.push_back(Answer::Yes);
-    sp.inputs.push_back(QString("Paciente O'Neil se retiró"));
-    QVERIFY(clickNamed(box, "Command1"));
-    QCOMPARE(sp.prompts.size(), 2);
-    QCOMPARE(sp.prompts[1].kind, Prompt::Input);
-    QCOMPARE(sp.prompts[1].text, QString("Ingrese el motivo de anulacion de la factura"));
-    QCOMPARE(sp.prompts[1].title, QString("Anulacion de factura"));
-    QVERIFY(voided(1));
-    QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(),
-             QString("Paciente O'Neil se retiró"));
-    QCOMPARE(storedDate(value("SELECT fecha_anulacion FROM Factura WHERE factura = 1")), QDate::currentDate());
-    // Three exams waiting: the first leaves, two stay.
-    QCOMPARE(waiting(1), before.mid(1));
-    // The copy on screen is now the voided one, in the same place.
-    QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=1|15||Modeless"));
-    QVERIFY(!visibleWindow("DataReport13"));
-    QVERIFY(visibleWindow("DataReport15"));
-    // No other invoice was touched.
-    QVERIFY(!voided(2));
+            QStringList shown;
+            QString filterWhileOpen;
+            sp.onModal("Form12", [&](QWidget* detail) {
+                auto* lines = control<DataGrid>(detail, "DataGrid1");
+                for (int r = 0; r < lines->rows(); ++r)
+                    shown << lines->text(r, "examen");
+                filterWhileOpen = amb1().rs("rsDetallefact").filter();
+            });
+            clickRow(grid, grid->findRow("factura", 1));
+            shown.sort();
+            QCOMPARE(shown, (QStringList{"Glucosa", "Urea"}));
+            QCOMPARE(filterWhileOpen, QString("factura =1"));
+            // Closing the detail clears its narrowing.
+            QCOMPARE(amb1().rs("rsDetallefact").filter(), QString());
+        }
+    }
 
-    // Voided again with the motive box cancelled: an empty reason, one more exam off.
-    sp.clear();
-    sp.answers.push_back(Answer::Yes);
-    QVERIFY(clickNamed(box, "Command1"));
-    QVERIFY(voided(1));
-    QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(), QString());
-    QCOMPARE(waiting(1), before.mid(2));
-}
+    void searchNarrowsByDateNameAndNumber()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        QWidget* w = openScreen("Form9");
+        auto* grid = control<DataGrid>(w, "DataGrid1");
+        auto numbers = [grid] {
+            QList<int> out;
+            for (int r = 0; r < grid->rows(); ++r)
+                out << grid->value(r, "factura").toInt();
+            std::sort(out.begin(), out.end());
+            return out;
+        };
+        auto filter = [] { return amb1().rs("rsconsultas").filter(); };
+        // Typing before the list is loaded narrows nothing.
+        tick(control<QRadioButton>(w, "Option2"));
+        typeKeys(edit(w, "Text1"), "D");
+        QCOMPARE(grid->rows(), 0);
 
-void TestInvoiceSearch::voidingIsAllOrNothing()
-{
-    TempStore store;
-    ScriptedPrompts sp;
-    fillInvoices();
-    const QList<int> before = waiting(1);
-    QPointer<QWidget> w = openScreen("Form32");
-    retype(edit(w, "Text1"), "1");
-    press(w, "Command1", sp);
-    QWidget* box = visibleWindow("Form31");
-    QVERIFY(box);
-    StoreFaults faults;
-    // The invoice row is written, then the store fails on the work table.
-    faults.failAfter(1);
-    sp.clear();
-    sp.answers.push_back(Answer::Yes);
-    sp.inputs.push_back(QString("Error de digitación"));
-    QVERIFY(clickNamed(box, "Command1"));
-    faults.heal();
-    QVERIFY2(sp.lastMessage().startsWith("La factura 1 no se anuló"), qPrintable(sp.lastMessage()));
-    QVERIFY(!voided(1));
-    QVERIFY(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").isNull());
-    QCOMPARE(waiting(1), before);
-    QCOMPARE(amb1().transactionDepth(), 0);
-    // The plain copy stays on screen: nothing was voided.
-    QVERIFY(visibleWindow("DataReport13"));
-    // Healed, the same press voids it.
-    sp.clear();
-    sp.answers.push_back(Answer::Yes);
-    sp.inputs.push_back(QString("Error de digitación"));
-    QVERIFY(clickNamed(box, "Command1"));
-    QVERIFY(voided(1));
-    QCOMPARE(waiting(1).size(), 2);
-}
+        tick(control<QRadioButton>(w, "Option1"));
+        press(w, "Command1", sp);
+        control<QDateEdit>(w, "DTPicker1")->setDate(kDay.addDays(1));
+        QCOMPARE(filter(), QString("fecha =15/03/2026"));
+        QCOMPARE(numbers(), QList<int>{4});
+        control<QDateEdit>(w, "DTPicker1")->setDate(kDay);
+        QCOMPARE(numbers(), (QList<int>{1, 2, 3}));
+
+        tick(control<QRadioButton>(w, "Option2"));
+        press(w, "Command1", sp);
+        retype(edit(w, "Text1"), "d'a");
+        QCOMPARE(filter(), QString("nombre_paciente like '*d''a*'"));
+        QCOMPARE(numbers(), (QList<int>{3, 4}));
+        // A blank criterion keeps the list as it was.
+        retype(edit(w, "Text1"), "");
+        QCOMPARE(numbers(), (QList<int>{3, 4}));
+
+        tick(control<QRadioButton>(w, "Option3"));
+        press(w, "Command1", sp);
+        retype(edit(w, "Text1"), "2");
+        QCOMPARE(filter(), QString("factura =2"));
+        QCOMPARE(numbers(), QList<int>{2});
+        sp.clear();
+        retype(edit(w, "Text1"), "99999999999");
+        // Refused in words from the first digit too many: the narrowing of the
+        // last number that fits stands, never a number wrapped onto another invoice.
+        QVERIFY(!sp.messages().isEmpty());
+        for (const QString& m : sp.messages())
+            QVERIFY2(m.contains("demasiado grande"), qPrintable(m));
+        QCOMPARE(filter(), QString("factura =999999999"));
+    }
+
+    void aLongListIsReadAsItIsScrolled()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        const int ana = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Ana'").toInt();
+        const int darcy = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'D''Arcy'").toInt();
+        {
+            Transaction t;
+            for (int n = 10; n < 2510; ++n)
+                amb1().insert("Factura", {"factura", "fecha", "cod_paciente", "total"},
+                              {n, kDay, n % 2 ? darcy : ana, "10.00"});
+            t.commit();
+        }
+        QWidget* w = openScreen("Form9");
+        w->resize(800, 400);
+        auto* grid = control<DataGrid>(w, "DataGrid1");
+        // The scroll bar dragged to its end.
+        auto toTheEnd = [grid] {
+            QCoreApplication::processEvents();
+            QScrollBar* bar = grid->verticalScrollBar();
+            QVERIFY(bar->maximum() > 0);
+            bar->setValue(bar->maximum());
+            QCoreApplication::processEvents();
+        };
+        tick(control<QRadioButton>(w, "Option2"));
+        press(w, "Command1", sp);
+        const int first = grid->rows();
+        QVERIFY(first < 2504);
+        toTheEnd();
+        QCOMPARE(grid->rows(), 2504);
+        // Narrowed, the rows beyond the first read are reached the same way,
+        // and the narrowing holds for them.
+        press(w, "Command1", sp);
+        retype(edit(w, "Text1"), "d'a");
+        QCOMPARE(grid->rows(), std::min(first, 1252));
+        toTheEnd();
+        QCOMPARE(grid->rows(), 1252);
+        QCOMPARE(grid->findRow("nombre_paciente", "Ana"), -1);
+        QVERIFY(sp.messages().isEmpty());
+    }
+
+    // The number box refuses what names no invoice and shows the one it names
+    // beside the voiding box. Voiding asks, takes a reason, marks the invoice
+    // and takes its first waiting exam off the table in one save: a store
+    // failing half-way leaves all as it was.
+    void voidingThroughTheNumberBox()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        const QList<int> before = waiting(1);
+        QPointer<QWidget> w = openScreen("Form32");
+        QCOMPARE(press(w, "Command1", sp), QStringList{"Ingrese el numero de factura"});
+        retype(edit(w, "Text1"), "999");
+        QCOMPARE(press(w, "Command1", sp), QStringList{"El numero de Factura no existe"});
+        QVERIFY(w);
+        retype(edit(w, "Text1"), "1");
+        QVERIFY(press(w, "Command1", sp).isEmpty());
+        QCOMPARE(lastRun(), QString("DataReport13|rsrfact1|factura=1|13||Modeless"));
+        QVERIFY(gone(w));
+        QWidget* box = visibleWindow("Form31");
+        QVERIFY(box && control<QWidget>(box, "Command1")->isEnabled());
+        QVERIFY(visibleWindow("DataReport13"));
+
+        // Anything but Yes leaves it alone.
+        QCOMPARE(press(box, "Command1", sp, Answer::No), QStringList{"Esta seguro que desea anular la factura"});
+        QVERIFY(!voided(1) && sp.prompts.size() == 1);
+
+        // The invoice row is written, then the store fails on the work table:
+        // nothing stays, and the plain copy stays on screen.
+        StoreFaults faults;
+        faults.failAfter(1);
+        voidWith(box, sp, "Error de digitación");
+        faults.heal();
+        QVERIFY2(sp.lastMessage().startsWith("La factura 1 no se anuló"), qPrintable(sp.lastMessage()));
+        QVERIFY(!voided(1));
+        QVERIFY(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").isNull());
+        QCOMPARE(waiting(1), before);
+        QCOMPARE(amb1().transactionDepth(), 0);
+        QVERIFY(visibleWindow("DataReport13"));
+
+        // Healed, the same press voids it.
+        voidWith(box, sp, "Paciente O'Neil se retiró");
+        QCOMPARE(sp.prompts.size(), 2);
+        QCOMPARE(sp.prompts[1].kind, Prompt::Input);
+        QCOMPARE(sp.prompts[1].text, QString("Ingrese el motivo de anulacion de la factura"));
+        QCOMPARE(sp.prompts[1].title, QString("Anulacion de factura"));
+        QVERIFY(voided(1));
+        QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(),
+                 QString("Paciente O'Neil se retiró"));
+        QCOMPARE(storedDate(value("SELECT fecha_anulacion FROM Factura WHERE factura = 1")), QDate::currentDate());
+        // Three exams waiting: the first leaves, two stay.
+        QCOMPARE(waiting(1), before.mid(1));
+        // The copy on screen is now the voided one, in the same place.
+        QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=1|15||Modeless"));
+        QVERIFY(!visibleWindow("DataReport13") && visibleWindow("DataReport15"));
+        // No other invoice was touched.
+        QVERIFY(!voided(2));
+
+        // Voided again with the motive box cancelled: an empty reason, one more exam off.
+        voidWith(box, sp, std::nullopt);
+        QVERIFY(voided(1));
+        QCOMPARE(value("SELECT motivo_anulacion FROM Factura WHERE factura = 1").toString(), QString());
+        QCOMPARE(waiting(1), before.mid(2));
+        closeAll();
+
+        // An invoice already voided comes with its voided copy, and may be voided again.
+        box = voidingBox(sp, 3);
+        QCOMPARE(lastRun(), QString("DataReport15|rsrfact1|factura=3|15||Modeless"));
+        QVERIFY(box && control<QWidget>(box, "Command1")->isEnabled() && visibleWindow("DataReport15"));
+        // "SALIR" takes the box and its copy away.
+        QVERIFY(clickNamed(box, "Command2"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!visibleWindow("DataReport15"));
+    }
+};
 
 QTEST_MAIN(TestInvoiceSearch)
 #include "test_invoice_search.moc"
