@@ -3,7 +3,6 @@
 // registry, the error boundary and the register screen's own messages.
 #include "foundation/data/amb1.h"
 #include "foundation/base/native.h"
-#include "foundation/base/appstate.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/errors.h"
@@ -11,13 +10,11 @@
 #include "foundation/ui/registry.h"
 #include "foundation/base/values.h"
 #include "maintenance/backup.h"
-#include "testsupport.h"
+#include "lab_fixture.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
-#include <QPagedPaintDevice>
-#include <QPainter>
 #include <QProcess>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -229,12 +226,8 @@ private slots:
             outer.commit();
         });
         QCOMPARE(sp.messages().size(), 1);
-        Recordset kinds;
-        kinds.open(QStringLiteral("SELECT tipo_examen FROM TipoExamen ORDER BY 1"));
-        QStringList names;
-        for (kinds.moveFirst(); !kinds.eof(); kinds.moveNext())
-            names << kinds.text(QStringLiteral("tipo_examen"));
-        QCOMPARE(names, QStringList({"Hematologia", "Quimica"}));
+        QCOMPARE(test::rowsOf(QStringLiteral("SELECT tipo_examen FROM TipoExamen ORDER BY 1")),
+                 QStringList({"Hematologia", "Quimica"}));
         QVERIFY(!amb1().inTransaction());
 
         // An overflow inside a button's action is reported and the program goes on.
@@ -348,23 +341,6 @@ private slots:
         QCOMPARE(loadPrintModule(), QString());
         QVERIFY(printingLoaded());
         QCOMPARE(loadPrintModule(), QString());
-
-        test::ScriptedPrompts prompts;
-        int pages = 0;
-        const PaintPages twoPages = [&pages](QPagedPaintDevice& device) {
-            QPainter painter(&device);
-            painter.drawText(100, 100, QStringLiteral("Hoja 1"));
-            device.newPage();
-            painter.drawText(100, 100, QStringLiteral("Hoja 2"));
-            pages = 2;
-        };
-        QVERIFY(!tq::prompts().print(twoPages, QStringLiteral("Imprimir")));   // cancelled
-        QCOMPARE(pages, 0);
-        prompts.printers = {true};
-        QVERIFY(tq::prompts().print(twoPages, QStringLiteral("Imprimir")));
-        QCOMPARE(pages, 2);
-        QCOMPARE(prompts.printed.size(), 1);
-        QVERIFY(prompts.printed.front().startsWith("%PDF"));
     }
 
     // Nor does the program itself need SQLite's or libsodium's library: they

@@ -2,7 +2,7 @@
 // the patient class it is chosen by, the parameter screen that keeps the
 // catalogue and its normal values, the editor of the grid templates, and
 // the work table's closing of exams and clean-up.
-#include "testsupport.h"
+#include "lab_fixture.h"
 
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
@@ -17,8 +17,6 @@
 
 #include <QPointer>
 
-Q_DECLARE_METATYPE(tq::PatientClass)
-
 using namespace tq;
 using namespace tq::test;
 
@@ -26,11 +24,11 @@ namespace {
 
 // Rows "3,4" of the table: populations present, in ascending order, each
 // with a value naming it.
-QList<NormalRow> rowsOf(const QString& present)
+QList<NormalRow> present(const QString& populations)
 {
     static const QStringList names = {"", "hombre", "mujer", "niño", "unico"};
     QList<NormalRow> rows;
-    for (const QString& p : present.split(',', Qt::SkipEmptyParts))
+    for (const QString& p : populations.split(',', Qt::SkipEmptyParts))
         rows.append({std::int16_t(p.toInt()), names.at(p.toInt())});
     return rows;
 }
@@ -41,14 +39,8 @@ constexpr PatientClass kBoy{true, 1}, kGirl{true, 2};
 // The stored normal values of a parameter, "population=value", in order.
 QStringList storedValues(int code)
 {
-    Recordset rs;
-    rs.open("SELECT cod_sexo, valor_normal FROM valparametros WHERE cod_parametro = ? "
-            "ORDER BY cod_sexo",
-            {code});
-    QStringList out;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
-        out << rs.text("cod_sexo") + "=" + rs.text("valor_normal");
-    return out;
+    return rowsOf("SELECT cod_sexo, valor_normal FROM valparametros WHERE cod_parametro = ? "
+                  "ORDER BY cod_sexo", {code});
 }
 
 }  // namespace
@@ -59,41 +51,38 @@ class TestLab : public QObject {
 private slots:
     // Every row of the table of outcomes, the reading past the last row
     // included (an empty cell), and a row with nothing typed.
-    void normalValueTable_data()
-    {
-        QTest::addColumn<QString>("rows");
-        QTest::addColumn<PatientClass>("who");
-        QTest::addColumn<QString>("shown");
-        const auto row = [](const char* tag, const char* rows, PatientClass who, const char* shown) {
-            QTest::newRow(tag) << QString(rows) << who << QString(shown);
-        };
-        row("none", "", kMan, "");
-        row("unico, man", "4", kMan, "unico");
-        row("unico, girl", "4", kGirl, "unico");
-        row("1,2 man", "1,2", kMan, "hombre");
-        row("1,2 woman", "1,2", kWoman, "mujer");
-        row("1,2 unknown sex", "1,2", kUnknown, "mujer");
-        row("1,2,3 boy", "1,2,3", kBoy, "hombre");
-        row("1,2,3 girl", "1,2,3", kGirl, "mujer");
-        row("1,2,3,4 girl", "1,2,3,4", kGirl, "mujer");
-        row("3,4 child", "3,4", kBoy, "niño");
-        row("3,4 adult", "3,4", kWoman, "unico");
-        row("1,4 man", "1,4", kMan, "hombre");
-        row("1,4 woman", "1,4", kWoman, "unico");
-        row("2 alone", "2", kWoman, "");
-        row("2,3", "2,3", kGirl, "");
-        row("2,4", "2,4", kMan, "");
-        row("3 alone, child", "3", kGirl, "niño");
-        row("3 alone, adult: past the end", "3", kMan, "");
-        row("1 alone, woman: past the end", "1", kWoman, "");
-        row("1 alone, man", "1", kMan, "hombre");
-    }
     void normalValueTable()
     {
-        QFETCH(QString, rows);
-        QFETCH(PatientClass, who);
-        QFETCH(QString, shown);
-        QCOMPARE(elegirValorNormal(rowsOf(rows), who), shown);
+        struct Case {
+            const char* present;
+            PatientClass who;
+            const char* shown;
+        };
+        for (const Case& c : {Case{"", kMan, ""},
+                              {"4", kMan, "unico"},
+                              {"4", kGirl, "unico"},
+                              {"1,2", kMan, "hombre"},
+                              {"1,2", kWoman, "mujer"},
+                              {"1,2", kUnknown, "mujer"},
+                              {"1,2,3", kBoy, "hombre"},
+                              {"1,2,3", kGirl, "mujer"},
+                              {"1,2,3,4", kGirl, "mujer"},
+                              {"3,4", kBoy, "niño"},
+                              {"3,4", kWoman, "unico"},
+                              {"1,4", kMan, "hombre"},
+                              {"1,4", kWoman, "unico"},
+                              {"2", kWoman, ""},
+                              {"2,3", kGirl, ""},
+                              {"2,4", kMan, ""},
+                              {"3", kGirl, "niño"},
+                              {"3", kMan, ""},     // past the end
+                              {"1", kWoman, ""},   // past the end
+                              {"1", kMan, "hombre"}}) {
+            const QString shown = elegirValorNormal(present(c.present), c.who);
+            QVERIFY2(shown == QString(c.shown),
+                     qPrintable(QString("rows %1, child %2, sex %3: %4").arg(c.present)
+                                    .arg(c.who.esNino).arg(c.who.sexoCodigo).arg(shown)));
+        }
     }
 
     // A child by the year numbers, the adult flag over the age, the sex by
@@ -116,10 +105,9 @@ private slots:
         const PatientClass c = patientClassOfInvoice(7, jan);
         QVERIFY(c.esNino);
         QCOMPARE(c.sexoCodigo, 1);
-        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
-                      {3, 3, "11 - 14 g/dL"});
-        amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
-                      {3, 4, "12 - 16 g/dL"});
+        for (const auto& [sexo, valor] : {std::pair{3, "11 - 14 g/dL"}, {4, "12 - 16 g/dL"}})
+            amb1().insert("valparametros", {"cod_parametro", "cod_sexo", "valor_normal"},
+                          {3, sexo, valor});
         QCOMPARE(elegirValorNormal(3, c), QString("11 - 14 g/dL"));
         QCOMPARE(elegirValorNormal(3, PatientClass{}), QString("12 - 16 g/dL"));   // a reprint
         QCOMPARE(elegirValorNormal(99, c), QString());
@@ -132,9 +120,9 @@ private slots:
     {
         TempStore store;
         ScriptedPrompts sp;
+        const QString kAdded = "El nuevo parametro ha sido ingresado a sus datos";
         QPointer<QWidget> w = openScreen("mparametros");
-        QCOMPARE(sp.messages(),
-                 QStringList{"No existe ningun parametro ingresado hasta el momento "});
+        QCOMPARE(sp.messages(), QStringList{"No existe ningun parametro ingresado hasta el momento "});
         sp.clear();
         QVERIFY(clickNamed(w, "agregar"));
         QCOMPARE(edit(w, "Text1")->text(), QString("1"));
@@ -146,10 +134,9 @@ private slots:
         retype(edit(w, "Text3"), "g/dL");
         retype(edit(w, "Text5"), "13 - 17");
         retype(edit(w, "Text6"), "12 - 15");
-        QCOMPARE(press(w, "guardar", sp),
-                 QStringList{"El nuevo parametro ha sido ingresado a sus datos"});
+        QCOMPARE(press(w, "guardar", sp), QStringList{kAdded});
         QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 1").toString(),
-                 QString("Hemoglobina"));
+                 "Hemoglobina");
         QCOMPARE(storedValues(1), (QStringList{"1=13 - 17 g/dL", "2=12 - 15 g/dL"}));
 
         // The same name, trimmed, is refused on an add and the name cleared.
@@ -160,8 +147,7 @@ private slots:
                  QStringList{"El nombre de ese Parametro ya existe, verifique el nombre"});
         QCOMPARE(edit(w, "Text2")->text(), QString());
         retype(edit(w, "Text2"), "Color");
-        QCOMPARE(press(w, "guardar", sp),
-                 QStringList{"El nuevo parametro ha sido ingresado a sus datos"});
+        QCOMPARE(press(w, "guardar", sp), QStringList{kAdded});
         QCOMPARE(storedValues(2), QStringList());   // nothing typed, no row
 
         // Shown back with the blank before the unit kept; a modify writes a
@@ -197,11 +183,9 @@ private slots:
         amb1().execute("INSERT INTO parametros (cod_parametro, parametro) VALUES (3, 'Glucosa')");
         retype(edit(w, "Text2"), "Urea");
         QCOMPARE(press(w, "guardar", sp),
-                 (QStringList{"El código 3 ya fue usado en otra estación; el parámetro se guardó "
-                              "con el código 4.",
-                              "El nuevo parametro ha sido ingresado a sus datos"}));
-        QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 4").toString(),
-                 QString("Urea"));
+                 (QStringList{"El código 3 ya fue usado en otra estación; el parámetro se "
+                              "guardó con el código 4.", kAdded}));
+        QCOMPARE(value("SELECT parametro FROM parametros WHERE cod_parametro = 4").toString(), "Urea");
         w->close();
     }
 
@@ -227,8 +211,10 @@ private slots:
                 out << list2->item(i)->text();
             return out;
         };
-        const auto pickLeft = [&](const QString& name) {
+        // Picks a parameter on the left and adds it: what that said.
+        const auto add = [&](const QString& name) {
             list1->setCurrentItem(list1->findItems(name, Qt::MatchExactly).value(0));
+            return press(w, "Command4", sp);
         };
         QCOMPARE(press(w, "Command4", sp),
                  QStringList{"Seleccione un formato antes de agregar parametros"});
@@ -237,13 +223,9 @@ private slots:
         QCOMPARE(shown(), (QStringList{"Hemoglobina", "Hematocrito"}));
         QVERIFY(!control<QPushButton>(w, "Command8")->isEnabled());
         list2->setCurrentRow(0);
-        pickLeft("Plaquetas");
-        QVERIFY(clickNamed(w, "Command4"));
-        pickLeft("_____SALTO DE LINEA_____");
-        QVERIFY(clickNamed(w, "Command4"));
-        QVERIFY(clickNamed(w, "Command4"));
-        pickLeft("Hemoglobina");
-        QCOMPARE(press(w, "Command4", sp), QStringList());
+        for (const char* name : {"Plaquetas", "_____SALTO DE LINEA_____", "_____SALTO DE LINEA_____",
+                                 "Hemoglobina"})
+            QVERIFY2(add(name).isEmpty(), name);
         QCOMPARE(shown(), (QStringList{"Hemoglobina", "Plaquetas", "_____SALTO DE LINEA_____",
                                        "_____SALTO DE LINEA_____", "Hematocrito"}));
         list2->setCurrentRow(4);
@@ -289,10 +271,9 @@ private slots:
         TempStore store;
         ScriptedPrompts sp;
         amb1().insert("Factura", {"factura", "cod_paciente"}, {40001, 1});
-        amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
-                      {40001, 2, 7});
-        amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
-                      {40001, 1, 8});
+        for (const auto& [cantidad, exam] : {std::pair{2, 7}, {1, 8}})
+            amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
+                          {40001, cantidad, exam});
         QList<int> waiting;
         for (int exam : {7, 7, 8})
             waiting << amb1().insert("EvaluadoTemporal",
@@ -315,19 +296,6 @@ private slots:
         marcarImpresion(0);
         QCOMPARE(count("SELECT COUNT(*) FROM FacturaDetalle WHERE num_impresion = 1"), 1);
 
-        // A sheet's numbers: the format id proposed, moved on when another
-        // bench saved under it meanwhile; the sheet number per invoice.
-        QCOMPARE(proposeFormatId(), 1);
-        QCOMPARE(nextNumFormato(40001), 1);
-        amb1().insert("resultados", {"num_factura", "NumFormato", "Cod_Plantilla", "celda",
-                                     "iduniversalformato", "valor"},
-                      {40001, 1, 2, 1, 1, "14"});
-        const TakenFormatId taken = takeFormatId(1);
-        QVERIFY(taken.moved);
-        QCOMPARE(taken.id, 2);
-        QVERIFY(!takeFormatId(2).moved);
-        QCOMPARE(nextNumFormato(40001), 2);
-        QCOMPARE(nextNumFormato(40002), 1);
 
         QPointer<QWidget> w = openScreen("Flimpiatemporales");
         QCOMPARE(press(w, "Command1", sp, Answer::No), QStringList{"esta seguro de hacer esto"});
