@@ -96,6 +96,7 @@ void beginOpeningStore(const QString& folderProblem)
         awaitStore();   // an earlier opening ends first
     if (!folderProblem.isEmpty()) {
         setStoreProblem(folderProblem);
+        awaitStore();   // nothing to open: what waited for the store is told now
         return;
     }
     o.problem.clear();
