@@ -12,12 +12,9 @@
 
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 using namespace tq;
 using namespace tq::test;

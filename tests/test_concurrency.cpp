@@ -23,7 +23,7 @@ namespace {
 // Invoices that lack a part of what their save writes: two lines, three
 // waiting exams, an instalment when on credit or to the insurer, a
 // receivable when to the insurer (the saver's invoices are one of each in
-// turn); then rows of those tables whose invoice is missing.
+// turn).
 const char* const kBroken =
     "SELECT COUNT(*) FROM Factura f WHERE "
     "(SELECT COUNT(*) FROM FacturaDetalle d WHERE d.factura = f.factura) <> 2 "
@@ -32,15 +32,14 @@ const char* const kBroken =
     "   <> CASE WHEN f.credito = TRUE THEN 1 ELSE 0 END "
     "OR (SELECT COUNT(*) FROM cxc x WHERE x.factura = f.factura) "
     "   <> CASE WHEN f.abono = 0 AND f.credito = TRUE THEN 1 ELSE 0 END";
-const char* const kOrphans =
-    "SELECT (SELECT COUNT(*) FROM FacturaDetalle t WHERE NOT EXISTS "
-    "         (SELECT 1 FROM Factura f WHERE f.factura = t.factura)) "
-    "     + (SELECT COUNT(*) FROM EvaluadoTemporal t WHERE NOT EXISTS "
-    "         (SELECT 1 FROM Factura f WHERE f.factura = t.factura)) "
-    "     + (SELECT COUNT(*) FROM creditos t WHERE NOT EXISTS "
-    "         (SELECT 1 FROM Factura f WHERE f.factura = t.factura)) "
-    "     + (SELECT COUNT(*) FROM cxc t WHERE NOT EXISTS "
-    "         (SELECT 1 FROM Factura f WHERE f.factura = t.factura))";
+// Rows of those tables whose invoice is missing.
+const QString kOrphans = [] {
+    QStringList each;
+    for (const char* table : {"FacturaDetalle", "EvaluadoTemporal", "creditos", "cxc"})
+        each << QStringLiteral("(SELECT COUNT(*) FROM %1 t WHERE NOT EXISTS "
+                               "(SELECT 1 FROM Factura f WHERE f.factura = t.factura))").arg(table);
+    return "SELECT " + each.join(" + ");
+}();
 
 // A patient and the two exams the saver bills.
 void prepareCatalogue()

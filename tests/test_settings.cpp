@@ -12,7 +12,6 @@
 #include <QImage>
 #include <QImageReader>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
 #include <QRadioButton>
 #include <cerrno>

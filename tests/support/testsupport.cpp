@@ -17,7 +17,6 @@
 #include <QDir>
 #include <QFile>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QPointer>
 
 namespace tq::test {
@@ -182,6 +181,21 @@ TempStore::~TempStore()
 
 QString TempStore::dbPath() const { return QDir(m_dir.path()).filePath(QStringLiteral("lab.db")); }
 
+namespace {
+
+// The next scripted answer, or `none` when the script has run out.
+template <typename T>
+T takeFirst(std::deque<T>& script, T none = {})
+{
+    if (script.empty())
+        return none;
+    T first = script.front();
+    script.pop_front();
+    return first;
+}
+
+}  // namespace
+
 ScriptedPrompts::ScriptedPrompts() { m_previous = installPrompts(this); }
 
 ScriptedPrompts::~ScriptedPrompts() { installPrompts(m_previous); }
@@ -222,18 +236,14 @@ Answer ScriptedPrompts::message(const QString& text, Icon icon, const QString& t
     prompts.append({Prompt::Message, text, icon, title, buttons});
     if (buttons == Buttons::Ok)
         return Answer::Ok;
-    if (answers.empty())
-        return buttons == Buttons::OkCancel ? Answer::Ok : Answer::Yes;
-    const Answer a = answers.front();
-    answers.pop_front();
-    return a;
+    return takeFirst(answers, buttons == Buttons::OkCancel ? Answer::Ok : Answer::Yes);
 }
 
 std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QString& title,
-                                              const QString& initial)
+                                              const QString&)
 {
-    Q_UNUSED(initial);
     prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
+    // Taken apart rather than copied whole: GCC warns of a copied optional text.
     if (inputs.empty())
         return std::nullopt;
     const bool answered = inputs.front().has_value();
@@ -247,21 +257,13 @@ std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QStri
 QString ScriptedPrompts::openFile(const QString& caption, const QString&, const QString&)
 {
     prompts.append({Prompt::OpenFile, caption, Icon::None, caption, Buttons::OkCancel});
-    if (files.empty())
-        return {};
-    QString f = files.front();
-    files.pop_front();
-    return f;
+    return takeFirst(files);
 }
 
 QString ScriptedPrompts::saveFile(const QString& caption, const QString& proposed, const QString&)
 {
     prompts.append({Prompt::SaveFile, proposed, Icon::None, caption, Buttons::OkCancel});
-    if (files.empty())
-        return {};
-    QString f = files.front();
-    files.pop_front();
-    return f;
+    return takeFirst(files);
 }
 
 QByteArray printOnPaper(const PaintPages& paint)
@@ -278,10 +280,7 @@ QByteArray printOnPaper(const PaintPages& paint)
 bool ScriptedPrompts::print(const PaintPages& paint, const QString& title)
 {
     prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
-    if (printers.empty())
-        return false;
-    const bool accepted = printers.front();
-    printers.pop_front();
+    const bool accepted = takeFirst(printers, false);
     if (accepted)
         printed.append(printOnPaper(paint));
     return accepted;
