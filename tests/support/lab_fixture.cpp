@@ -6,12 +6,6 @@
 
 namespace tq::test {
 
-QString formatIdMoved(std::int32_t proposed, std::int32_t taken)
-{
-    return QString("El número de formato %1 ya fue usado en otra estación; la hoja se guardó con el "
-                   "número de formato %2.").arg(proposed).arg(taken);
-}
-
 int addWaiting(std::int32_t factura, int exam, const QString& examen)
 {
     amb1().insert("FacturaDetalle", {"factura", "cantidad", "cod_descripcionexamen"},
@@ -53,6 +47,14 @@ QStringList trigger(QWidget* w, const QString& action, ScriptedPrompts& sp)
         return {"<" + action + " disabled>"};
     a->trigger();
     return sp.messages();
+}
+
+QStringList texts(QListWidget* list)
+{
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i)
+        out << list->item(i)->text();
+    return out;
 }
 
 }  // namespace tq::test

@@ -1,21 +1,23 @@
 #pragma once
-// Set-up the laboratory's tests share: exams waiting on the work table, result
-// rows, the store read back as text, menu entries run as a user would.
+// Set-up the laboratory's tests share: waiting exams, results, rows as text, menu entries.
 #include "testsupport.h"
 
+#include <QListWidget>
 #include <QStringList>
 #include <QVariantList>
 #include <cstdint>
 
 namespace tq::test {
 
-// What a sheet's save reports once its rows are stored, and first when the
-// proposed format id had been taken at another bench meanwhile.
+// What a sheet's save reports, and first when the proposed format id was taken meanwhile.
 inline const QString kSheetSaved = QStringLiteral("El resultado ha sido guardado exitosamente");
-QString formatIdMoved(std::int32_t proposed, std::int32_t taken);
+inline QString formatIdMoved(std::int32_t proposed, std::int32_t taken)
+{
+    return QString("El número de formato %1 ya fue usado en otra estación; la hoja se guardó con el "
+                   "número de formato %2.").arg(proposed).arg(taken);
+}
 
-// Bills `exam` once more on `factura` and puts one unit of it on the work
-// table; returns the waiting exam's correlativo.
+// Bills `exam` once more on `factura`, one unit on the work table; returns its correlativo.
 int addWaiting(std::int32_t factura, int exam, const QString& examen = QStringLiteral("Examen"));
 
 // A result cell stored under sheet `formatId`, as another bench saves one.
@@ -29,5 +31,8 @@ QStringList rowsOf(const QString& sql, const QVariantList& binds = {},
 // Runs a menu entry of `w`: the messages it showed ("<name disabled>" when it
 // can't run). File and printer answers already queued stay for it.
 QStringList trigger(QWidget* w, const QString& action, ScriptedPrompts& sp);
+
+// The texts of a list's items, in order.
+QStringList texts(QListWidget* list);
 
 }  // namespace tq::test
