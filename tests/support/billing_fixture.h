@@ -1,6 +1,5 @@
 #pragma once
-// The laboratory's records as the billing and register tests fill a store
-// with them, and the walk through a save's refusals that their screens share.
+// Records the billing and register tests fill, and the walk through a save's refusals.
 #include "testsupport.h"
 
 #include <QCoreApplication>
@@ -31,14 +30,12 @@ bool gone(const QPointer<T>& w)
 // The first row of a query as a grid shows it, null as "NULL".
 QStringList row(const QString& sql, const QVariantList& binds = {});
 
-// One refusal of a save: the message shown alone, the control that gets the
-// focus, and what is then entered there (a combo picks the entry of that text).
+// A save's refusal: its message, the control focused, what is then entered (or picked) there.
 struct Refusal {
     QString message, field, value;
 };
-// Presses `button` once per refusal: each must show its message alone, with
-// the focus on its field, `table` (when named) unchanged and, when given, the icon. Returns
-// the first mismatch, empty when every refusal held.
+// Presses `button` once per refusal: its message alone, the focus on its field, `table`
+// unchanged and the icon when given. Returns the first mismatch.
 QString refusals(QWidget* w, ScriptedPrompts& sp, const QString& button, const QList<Refusal>& steps,
                  const QString& table, std::optional<Icon> icon = {});
 
