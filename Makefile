@@ -4,7 +4,7 @@ JOBS  ?= $(shell nproc)
 PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils \
          postgresql postgresql-client libqt6sql6-psql libpq-dev
 
-.PHONY: all deps configure build run test bench clean
+.PHONY: all deps configure build run test bench mutantes clean
 
 all: build
 
@@ -39,6 +39,21 @@ test: build
 # store on a private PostgreSQL server (in build/bench/, kept between runs).
 bench: build
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ./bench/tarvenquil_bench $(ARGS)
+
+# Mutation check of the tests, not part of make test: one slip at a time from
+# tools/mutantes/mutantes.json is seeded into a copy of the tree, built apart
+# in build/mutantes, and the tests that cover it must notice. Prints and writes
+# build/mutantes/informe.txt; exits 0 whatever survives. DESDE=<rev> measures
+# that revision instead of the working tree; SOLO=M03,M17 only those mutants.
+MUT_PKGS := python3 ccache
+mutantes: deps
+	@missing=""; for p in $(MUT_PKGS); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Instalando:$$missing"; \
+	  if [ "$$(id -u)" = 0 ]; then SUDO=""; else SUDO="sudo"; fi; \
+	  $$SUDO apt-get update -qq && DEBIAN_FRONTEND=noninteractive $$SUDO apt-get install -y -qq $$missing; \
+	fi
+	python3 tools/mutantes/mutantes.py $(if $(DESDE),--desde $(DESDE)) $(if $(SOLO),--solo $(SOLO)) $(ARGS)
 
 clean:
 	rm -rf $(BUILD)
