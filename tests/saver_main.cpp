@@ -1,9 +1,7 @@
-// A workstation that only saves invoices: the program the concurrency tests
-// start several times against one store. Arguments: the store (a file, or a
-// server's libpq connection text), how many invoices, the station's name.
-// Prints "abierta" once the store is open, then one line per invoice saved:
-// the number proposed, the number it was saved under, and 1 when the save
-// said it moved to the next free number (0 otherwise).
+// A station that only saves invoices, for the concurrency tests. Arguments: the
+// store (a file or a libpq connection text), how many invoices, the station's
+// name. Prints "abierta" once the store is open, then per invoice: the number
+// proposed, the number saved under, and 1 when the save said it moved (else 0).
 #include "billing/invoice/invoicesave.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
@@ -24,10 +22,9 @@ int main(int argc, char** argv)
             tq::amb1().openServer(args.at(1));
         else
             tq::amb1().openStore(args.at(1));
-        std::printf("abierta\n");   // the store is open: the saves begin
+        std::printf("abierta\n");
         std::fflush(stdout);
-        const int count = args.at(2).toInt();
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < args.at(2).toInt(); ++i) {
             tq::InvoiceDocument doc;
             // Proposed as the invoice screen proposes it, outside the save.
             doc.numero = tq::toInt32(double(tq::toInt32(
@@ -38,8 +35,7 @@ int main(int argc, char** argv)
             doc.codPaciente = 1;
             doc.subtotal = doc.total = QStringLiteral("30.00");
             doc.lines = {{1, 1, QStringLiteral("10.00")}, {2, 2, QStringLiteral("20.00")}};
-            // In turn: paid, on credit (an instalment), to the insurer (its
-            // receivable and an instalment).
+            // In turn: paid, on credit, to the insurer.
             const auto settlement = tq::Settlement(i % 3);
             tq::Payment paid;
             paid.efectivo = settlement == tq::Settlement::Paid ? 30 : 0;

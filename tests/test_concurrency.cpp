@@ -1,8 +1,5 @@
-// Several workstations on one store, on either engine: four programs save
-// invoices at the same time, each proposing numbers as the invoice screen
-// does; a program is killed in the middle of its saves; a backup is taken
-// while another program saves. Every invoice stands whole, under a number of
-// its own, and every number that moved was told.
+// Several workstations on one store: saving at once, killed mid-save, backed
+// up mid-save. Every invoice stands whole under a number of its own.
 #include "testsupport.h"
 
 #include "foundation/data/amb1.h"
@@ -13,17 +10,14 @@
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSet>
-#include <QTest>
 
 using namespace tq;
 using namespace tq::test;
 
 namespace {
 
-// Invoices that lack a part of what their save writes: two lines, three
-// waiting exams, an instalment when on credit or to the insurer, a
-// receivable when to the insurer (the saver's invoices are one of each in
-// turn).
+// Invoices lacking part of their save: two lines, three waiting exams, an
+// instalment on credit or to the insurer, a receivable to the insurer.
 const char* const kBroken =
     "SELECT COUNT(*) FROM Factura f WHERE "
     "(SELECT COUNT(*) FROM FacturaDetalle d WHERE d.factura = f.factura) <> 2 "
@@ -41,19 +35,17 @@ const QString kOrphans = [] {
     return "SELECT " + each.join(" + ");
 }();
 
-// A patient and the two exams the saver bills.
+// A patient and the two exams the saver bills (codes 1, and 1 and 2).
 void prepareCatalogue()
 {
     const int type = amb1().insert("TipoExamen", {"tipo_examen"}, {"Química"}).toInt();
-    QCOMPARE(amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"Ana", "Paz"})
-                 .toInt(),
-             1);
+    amb1().insert("Pacientes", {"nombre_paciente", "apellido_paciente"}, {"Ana", "Paz"});
     for (const char* exam : {"Urea", "Glucosa"})
         amb1().insert("Examenes", {"cod_tipo_examen", "examen", "precio"}, {type, exam, 10});
-    QCOMPARE(value("SELECT MAX(cod_descripcionexamen) FROM Examenes").toInt(), 2);
 }
 
-QProcess* startSaver(QObject* owner, const TempStore& store, int invoices, const QString& name)
+// A saving station on `store`, its store open once it has written a line.
+QProcess* startSaver(QObject* owner, const TempStore& store, int invoices, const QString& name = "caja")
 {
     auto* p = new QProcess(owner);
     p->start(QStringLiteral(TQ_SAVER), {store.where(), QString::number(invoices), name});
@@ -80,7 +72,6 @@ private slots:
         for (int i = 1; i <= kStations; ++i)
             stations << startSaver(this, store, kEach, QStringLiteral("estacion %1").arg(i));
         QSet<int> numbers;
-        int moved = 0;
         for (QProcess* p : stations) {
             QVERIFY(p->waitForFinished(300000));
             QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0,
@@ -92,23 +83,17 @@ private slots:
                 const int proposed = f.at(0).toInt(), saved = f.at(1).toInt();
                 // A number that moved was told; one that didn't, wasn't.
                 QCOMPARE(f.at(2) == "1", saved != proposed);
-                moved += saved != proposed;
                 numbers.insert(saved);
             }
         }
-        const double seconds = clock.nsecsElapsed() / 1e9;
         const int total = kStations * kEach;
-        qInfo("%s: %d invoices saved by %d stations at once in %.1f s (%.0f invoices per second), "
-              "%d of them under the next free number",
-              onServer() ? "PostgreSQL" : "SQLite", total, kStations, seconds, total / seconds,
-              moved);
+        qInfo("%d invoices saved by %d stations at once in %.1f s", total, kStations,
+              clock.nsecsElapsed() / 1e9);
 
         QCOMPARE(numbers.size(), total);   // no number given twice
         QCOMPARE(rowsIn("Factura"), total);
         QCOMPARE(count("SELECT COUNT(DISTINCT factura) FROM Factura"), total);
         QCOMPARE(value("SELECT MAX(factura) FROM Factura").toInt(), total);   // none skipped
-        for (const int n : numbers)
-            QVERIFY(n >= 1 && n <= total);
         QCOMPARE(count("SELECT COUNT(*) FROM (SELECT faturado FROM Factura GROUP BY faturado "
                        "HAVING COUNT(*) = ?) AS g", {kEach}),
                  kStations);
@@ -118,9 +103,8 @@ private slots:
         QCOMPARE(rowsIn("EvaluadoTemporal"), 3 * total);
     }
 
-    // A station killed at random moments in the middle of its saves (kill -9:
-    // no clean-up of any kind) leaves a store that opens, with every invoice
-    // whole and no row without its invoice.
+    // A station killed (-9) at random moments mid-save leaves a store that
+    // opens, every invoice whole and no row without its invoice.
     void killedInTheMiddleOfSaving()
     {
         TempStore store;
@@ -131,34 +115,28 @@ private slots:
         const quint32 seed = QRandomGenerator::global()->generate();
         QRandomGenerator random(seed);
         for (int k = 0; k < kKills; ++k) {
-            QProcess p;
-            p.start(QStringLiteral(TQ_SAVER), {store.where(), QStringLiteral("100000"),
-                                               QStringLiteral("caja")});
-            QVERIFY(p.waitForReadyRead(30000));   // the store is open
+            std::unique_ptr<QProcess> p(startSaver(nullptr, store, 100000));
+            QVERIFY(p->waitForReadyRead(30000));
             QTest::qWait(random.bounded(5, 400));
-            p.kill();   // SIGKILL
-            QVERIFY(p.waitForFinished());
-            QVERIFY2(p.exitStatus() == QProcess::CrashExit, "the station ended before its kill");
+            p->kill();
+            QVERIFY(p->waitForFinished());
+            QVERIFY2(p->exitStatus() == QProcess::CrashExit, "the station ended before its kill");
         }
         store.reopen();
-        const int saved = rowsIn("Factura");
-        qInfo("%s: %d kills survived (seed %u); %d invoices stand", onServer() ? "PostgreSQL" : "SQLite",
-              kKills, seed, saved);
-        QVERIFY(saved > 0);
+        qInfo("%d kills survived (seed %u); %d invoices stand", kKills, seed, rowsIn("Factura"));
+        QVERIFY(rowsIn("Factura") > 0);
         if (!onServer())
             QCOMPARE(value("PRAGMA integrity_check").toString(), QString("ok"));
-        QVERIFY2(count(kBroken) == 0, qPrintable(QStringLiteral("seed %1").arg(seed)));
-        QVERIFY2(count(kOrphans) == 0, qPrintable(QStringLiteral("seed %1").arg(seed)));
+        QVERIFY2(count(kBroken) + count(kOrphans) == 0, qPrintable(QStringLiteral("seed %1").arg(seed)));
     }
 
-    // A backup taken while another station saves is a consistent store: what
-    // it holds of each invoice is all of it.
+    // A backup taken while another station saves holds each invoice whole.
     void backupWhileAnotherStationSaves()
     {
         TempStore store;
         ScriptedPrompts sp;
         prepareCatalogue();
-        QProcess* saver = startSaver(this, store, 100000, QStringLiteral("caja"));
+        QProcess* saver = startSaver(this, store, 100000);
         QVERIFY(saver->waitForReadyRead(30000));
         QTest::qWait(300);
         const QString copy = QDir(store.folder()).filePath("respaldo.db");
@@ -166,9 +144,7 @@ private slots:
         saver->kill();
         saver->waitForFinished();
         QVERIFY2(result.ok, qPrintable(result.error + " | " + result.detail));
-        const int copied = queryCopy(copy, "SELECT COUNT(*) FROM Factura").toInt();
-        qInfo("%s: the copy holds %d invoices", onServer() ? "PostgreSQL" : "SQLite", copied);
-        QVERIFY(copied > 0);
+        QVERIFY(queryCopy(copy, "SELECT COUNT(*) FROM Factura").toInt() > 0);
         QCOMPARE(queryCopy(copy, kBroken).toInt(), 0);
         QCOMPARE(queryCopy(copy, kOrphans).toInt(), 0);
     }

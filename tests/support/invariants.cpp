@@ -13,66 +13,58 @@ QString notWhole(const QString& column)
     return QStringLiteral("(%1 IS NULL OR %1 <> CAST(%1 AS INTEGER))").arg(column);
 }
 
-Invariant keyed(const QString& table, const QString& key)
-{
-    return {QStringLiteral("%1 sin código vacío").arg(table),
-            QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(table, notWhole(key))};
-}
-
-// A row of an invoice's table whose invoice is not there.
-Invariant orphan(const QString& table)
-{
-    return {QStringLiteral("%1: ninguna fila sin su factura").arg(table),
-            QStringLiteral("SELECT COUNT(*) FROM %1 t WHERE NOT EXISTS (SELECT 1 FROM Factura f "
-                           "WHERE f.factura = t.factura)").arg(table)};
-}
-
-}  // namespace
+// A name and the SELECT COUNT(*) of the rows breaking it.
+struct Invariant {
+    QString name;
+    QString sql;
+};
 
 const QList<Invariant>& storeInvariants()
 {
-    static const QList<Invariant> list = {
-        {QStringLiteral("usuariosmodulos: pares de números enteros"),
-         QStringLiteral("SELECT COUNT(*) FROM usuariosmodulos WHERE %1 OR %2")
-             .arg(notWhole(QStringLiteral("cod_empleado")), notWhole(QStringLiteral("cod_modulo")))},
-        // Every employee gets the module rights when added, in the same save.
-        {QStringLiteral("Empleados: cada empleado con sus derechos de módulo"),
-         QStringLiteral("SELECT COUNT(*) FROM Empleados e WHERE NOT EXISTS (SELECT 1 FROM "
-                        "usuariosmodulos m WHERE m.cod_empleado = e.cod_empleado)")},
-        // The registers and the other master tables.
-        keyed(QStringLiteral("Empleados"), QStringLiteral("cod_empleado")),
-        keyed(QStringLiteral("Doctores"), QStringLiteral("Cod_doctor")),
-        keyed(QStringLiteral("Pacientes"), QStringLiteral("cod_paciente")),
-        keyed(QStringLiteral("Examenes"), QStringLiteral("cod_descripcionexamen")),
-        keyed(QStringLiteral("TipoExamen"), QStringLiteral("cod_tipo_examen")),
-        keyed(QStringLiteral("seguros"), QStringLiteral("Cod_Seguro")),
-        keyed(QStringLiteral("parametros"), QStringLiteral("cod_parametro")),
-        keyed(QStringLiteral("Plantilla"), QStringLiteral("Cod_Plantilla")),
-        keyed(QStringLiteral("Insumos"), QStringLiteral("Cod_Item")),
-        keyed(QStringLiteral("proveedor"), QStringLiteral("prvcod")),
-
-        // Billing: an invoice is saved whole or not at all.
-        {QStringLiteral("Factura: cada factura con sus líneas"),
-         QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE NOT EXISTS (SELECT 1 FROM FacturaDetalle d "
-                        "WHERE d.factura = f.factura)")},
-        orphan(QStringLiteral("FacturaDetalle")),
-        orphan(QStringLiteral("cxc")),
-        orphan(QStringLiteral("creditos")),
-        orphan(QStringLiteral("Datostarjeta")),
-        orphan(QStringLiteral("EvaluadoTemporal")),
-        // Paid in full, the abono is the total; on credit, until a later
-        // instalment, it is what was paid at the desk.
-        {QStringLiteral("Factura: abono según la forma de pago"),
-         QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE (pagada AND credito) "
-                        "OR (pagada AND ABS(Abono - total) > 0.005) "
-                        "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
-                        "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
-        {QStringLiteral("resultados: ninguna celda sin su factura"),
-         QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE NOT EXISTS (SELECT 1 FROM Factura f "
-                        "WHERE f.factura = r.num_factura)")},
-    };
+    static const QList<Invariant> list = [] {
+        QList<Invariant> out = {
+            {QStringLiteral("usuariosmodulos: pares de números enteros"),
+             QStringLiteral("SELECT COUNT(*) FROM usuariosmodulos WHERE %1 OR %2")
+                 .arg(notWhole(QStringLiteral("cod_empleado")), notWhole(QStringLiteral("cod_modulo")))},
+            // Every employee gets the module rights when added, in the same save.
+            {QStringLiteral("Empleados: cada empleado con sus derechos de módulo"),
+             QStringLiteral("SELECT COUNT(*) FROM Empleados e WHERE NOT EXISTS (SELECT 1 FROM "
+                            "usuariosmodulos m WHERE m.cod_empleado = e.cod_empleado)")},
+            // Billing: an invoice is saved whole or not at all.
+            {QStringLiteral("Factura: cada factura con sus líneas"),
+             QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE NOT EXISTS (SELECT 1 FROM FacturaDetalle d "
+                            "WHERE d.factura = f.factura)")},
+            // Paid in full, the abono is the total; on credit, until a later
+            // instalment, it is what was paid at the desk.
+            {QStringLiteral("Factura: abono según la forma de pago"),
+             QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE (pagada AND credito) "
+                            "OR (pagada AND ABS(Abono - total) > 0.005) "
+                            "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
+                            "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
+            {QStringLiteral("resultados: ninguna celda sin su factura"),
+             QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE NOT EXISTS (SELECT 1 FROM Factura f "
+                            "WHERE f.factura = r.num_factura)")},
+        };
+        // The registers and the other master tables keep whole codes.
+        for (const char* keyed : {"Empleados cod_empleado", "Doctores Cod_doctor", "Pacientes cod_paciente",
+                                  "Examenes cod_descripcionexamen", "TipoExamen cod_tipo_examen",
+                                  "seguros Cod_Seguro", "parametros cod_parametro", "Plantilla Cod_Plantilla",
+                                  "Insumos Cod_Item", "proveedor prvcod"}) {
+            const QStringList tk = QString::fromLatin1(keyed).split(QLatin1Char(' '));
+            out.append({tk[0] + QStringLiteral(" sin código vacío"),
+                        QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(tk[0], notWhole(tk[1]))});
+        }
+        // A row of an invoice's table whose invoice is not there.
+        for (const char* table : {"FacturaDetalle", "cxc", "creditos", "Datostarjeta", "EvaluadoTemporal"})
+            out.append({QStringLiteral("%1: ninguna fila sin su factura").arg(QLatin1String(table)),
+                        QStringLiteral("SELECT COUNT(*) FROM %1 t WHERE NOT EXISTS (SELECT 1 FROM Factura f "
+                                       "WHERE f.factura = t.factura)").arg(QLatin1String(table))});
+        return out;
+    }();
     return list;
 }
+
+}  // namespace
 
 QStringList brokenInvariants()
 {
@@ -80,16 +72,13 @@ QStringList brokenInvariants()
     try {
         // The embedded store's file checks itself; the server keeps its own.
         if (amb1().engine() == Engine::Embedded) {
-            const QString integrity =
-                amb1().scalar(QStringLiteral("PRAGMA integrity_check")).toString();
+            const QString integrity = amb1().scalar(QStringLiteral("PRAGMA integrity_check")).toString();
             if (integrity != QLatin1String("ok"))
                 broken << QStringLiteral("integrity_check: %1").arg(integrity);
         }
-        for (const Invariant& inv : storeInvariants()) {
-            const int rows = amb1().scalar(inv.sql).toInt();
-            if (rows != 0)
+        for (const Invariant& inv : storeInvariants())
+            if (const int rows = amb1().scalar(inv.sql).toInt(); rows != 0)
                 broken << QStringLiteral("%1: %2 filas").arg(inv.name).arg(rows);
-        }
     } catch (const AppError& e) {
         broken << QStringLiteral("no se pudo revisar la base de datos: %1").arg(e.message());
     }

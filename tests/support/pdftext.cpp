@@ -9,9 +9,7 @@ namespace tq::test {
 QString pdfText(const QString& file)
 {
     QProcess p;
-    p.start(QStringLiteral("pdftotext"),
-            {QStringLiteral("-layout"), QStringLiteral("-enc"), QStringLiteral("UTF-8"), file,
-             QStringLiteral("-")});
+    p.start(QStringLiteral("pdftotext"), {"-layout", "-enc", "UTF-8", file, "-"});
     if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
         qWarning() << "pdftotext" << file << p.errorString()
                    << QString::fromLocal8Bit(p.readAllStandardError());

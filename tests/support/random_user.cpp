@@ -2,24 +2,18 @@
 
 #include "foundation/ui/errors.h"
 
-#include <QAbstractButton>
-#include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QAction>
 #include <QApplication>
-#include <QCheckBox>
 #include <QClipboard>
-#include <QComboBox>
 #include <QDir>
 #include <QImage>
 #include <QKeySequence>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QTabBar>
 #include <QTableView>
 #include <QTextEdit>
@@ -32,23 +26,16 @@ namespace tq::test {
 const QStringList& nastyTexts()
 {
     static const QStringList texts = {
-        QStringLiteral("O'Brien"), QStringLiteral("\"comillas\" y 'apóstrofos'"),
-        QStringLiteral("'; DROP TABLE Pacientes; --"),
-        QStringLiteral("ñandú ").repeated(1667).left(10000),
-        QStringLiteral("Núñez Peña, María José"), QStringLiteral("😀🧪"),
-        QStringLiteral("-1"), QStringLiteral("0"), QStringLiteral("99999999999"),
-        QStringLiteral("1e308"), QStringLiteral("12/5"), QStringLiteral("/"),
-        QStringLiteral("   "), QString(), QStringLiteral("15/03/2024"),
-        QStringLiteral("31/02/2026"), QStringLiteral("0.03"), QStringLiteral("admin"),
+        "O'Brien", "\"comillas\" y 'apóstrofos'", "'; DROP TABLE Pacientes; --",
+        QStringLiteral("ñandú ").repeated(1667).left(10000), "Núñez Peña, María José", "😀🧪",
+        "-1", "0", "99999999999", "1e308", "12/5", "/", "   ", QString(), "15/03/2024", "31/02/2026",
+        "0.03", "admin",
     };
     return texts;
 }
 
-// ------------------------------------------------------------------ prompts
-
 RandomPrompts::RandomPrompts(Dice& dice, const QString& folder) : m_dice(dice)
 {
-    m_previous = installPrompts(this);
     m_boundarySeen = boundaryRecord().shown;
     const QDir dir(folder);
     dir.mkpath(QStringLiteral("archivos"));
@@ -66,8 +53,6 @@ RandomPrompts::RandomPrompts(Dice& dice, const QString& folder) : m_dice(dice)
                      dir.filePath(QStringLiteral("lab")), dir.filePath(QStringLiteral("archivos")),
                      QStringLiteral("/proc/respaldo")};
 }
-
-RandomPrompts::~RandomPrompts() { installPrompts(m_previous); }
 
 Answer RandomPrompts::message(const QString& text, Icon icon, const QString& title, Buttons buttons)
 {
@@ -107,23 +92,14 @@ QString RandomPrompts::saveFile(const QString& caption, const QString& proposed,
     return m_dice.pick(m_saveAnswers);
 }
 
+// Half the print jobs go to paper, where their whole drawing runs.
 bool RandomPrompts::print(const PaintPages& paint, const QString& title)
 {
     prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::OkCancel});
-    if (!m_dice.chance(50))
-        return false;
-    printOnPaper(paint);
-    return true;
+    return m_dice.chance(50) && !printOnPaper(paint).isNull();
 }
 
-bool RandomPrompts::printDefault(const PaintPages& paint, const QString& title)
-{
-    prompts.append({Prompt::Printer, title, Icon::None, title, Buttons::Ok});
-    if (!m_dice.chance(50))
-        return false;
-    printOnPaper(paint);
-    return true;
-}
+bool RandomPrompts::printDefault(const PaintPages& paint, const QString& title) { return print(paint, title); }
 
 void RandomPrompts::showModal(QWidget* screen)
 {
@@ -145,10 +121,6 @@ void RandomPrompts::showModal(QWidget* screen)
         guard->deleteLater();
     }
 }
-
-void RandomPrompts::endProgram() { prompts.append({Prompt::End, {}, Icon::None, {}, Buttons::Ok}); }
-
-// ------------------------------------------------------------------ the user
 
 namespace {
 
@@ -257,6 +229,7 @@ void paste(QWidget* receiver, const QString& text)
 {
     QGuiApplication::clipboard()->setText(text);
     QTest::keyClick(receiver, Qt::Key_V, Qt::ControlModifier);
+    QTest::keyClick(receiver, Qt::Key_End);
 }
 
 }  // namespace
@@ -265,35 +238,25 @@ void RandomUser::act(QWidget* window)
 {
     const Offer o = offerOf(window);
     enum Kind { Button, Type, Fill, Key, Cell, Menu, Combo, Tab, Tick, Close };
-    QList<QPair<Kind, int>> kinds = {{Key, 12}, {Close, 1}};
-    const auto offer = [&](bool any, Kind k, int weight) { if (any) kinds << qMakePair(k, weight); };
-    offer(!o.buttons.isEmpty(), Button, 30);
-    offer(!o.fields.isEmpty(), Type, 25);
-    offer(!o.fields.isEmpty(), Fill, 8);
-    offer(!o.grids.isEmpty(), Cell, 12);
-    offer(!o.actions.isEmpty(), Menu, 10);
-    offer(!o.combos.isEmpty(), Combo, 6);
-    offer(!o.tabs.isEmpty(), Tab, 3);
-    offer(!o.timers.isEmpty(), Tick, 2);
-    int total = 0;
-    for (const auto& k : kinds)
-        total += k.second;
-    int roll = m_dice.below(total);
-    Kind kind = Key;
-    for (const auto& k : kinds) {
-        if (roll < k.second) {
-            kind = k.first;
-            break;
-        }
-        roll -= k.second;
-    }
+    // Each kind of event weighs its share, when the window offers it.
+    const QList<std::tuple<bool, Kind, int>> weights = {
+        {true, Key, 12}, {true, Close, 1}, {!o.buttons.isEmpty(), Button, 30},
+        {!o.fields.isEmpty(), Type, 25}, {!o.fields.isEmpty(), Fill, 8}, {!o.grids.isEmpty(), Cell, 12},
+        {!o.actions.isEmpty(), Menu, 10}, {!o.combos.isEmpty(), Combo, 6}, {!o.tabs.isEmpty(), Tab, 3},
+        {!o.timers.isEmpty(), Tick, 2},
+    };
+    QList<Kind> kinds;
+    for (const auto& [offered, k, weight] : weights)
+        for (int i = 0; offered && i < weight; ++i)
+            kinds << k;
+    const Kind kind = m_dice.pick(kinds);
 
     switch (kind) {
     case Button: {
         QAbstractButton* b = m_dice.pick(o.buttons);
         say(QStringLiteral("clic en %1 %2").arg(nameOf(b), shown(b->text())));
         // Options and checks are hit on their box, buttons in their middle.
-        if (qobject_cast<QCheckBox*>(b) || qobject_cast<QRadioButton*>(b))
+        if (b->inherits("QCheckBox") || b->inherits("QRadioButton"))
             QTest::mouseClick(b, Qt::LeftButton, {}, QPoint(qMin(8, b->width() / 2), b->height() / 2));
         else
             QTest::mouseClick(b, Qt::LeftButton);
@@ -308,15 +271,12 @@ void RandomUser::act(QWidget* window)
         if (text.isEmpty() || m_dice.chance(50))
             QTest::keyClick(receiver, Qt::Key_A, Qt::ControlModifier);   // over what was there
         const bool surrogates = std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
-        if (text.isEmpty()) {
+        if (text.isEmpty())
             QTest::keyClick(receiver, Qt::Key_Backspace);
-        } else if (text.size() <= 40 && !surrogates && m_dice.chance(70)) {
+        else if (text.size() <= 40 && !surrogates && m_dice.chance(70))
             typeKeys(receiver, text);
-        } else {
-            // Long texts and emoji arrive pasted, as a user would bring them.
+        else   // long texts and emoji arrive pasted, as a user would bring them
             paste(receiver, text);
-            QTest::keyClick(receiver, Qt::Key_End);
-        }
         return;
     }
     case Fill: {
@@ -357,7 +317,7 @@ void RandomUser::act(QWidget* window)
     case Cell: {
         QAbstractItemView* v = m_dice.pick(o.grids);
         const int row = m_dice.below(v->model()->rowCount(v->rootIndex()));
-        QList<int> columns;
+        QList<int> columns;   // those shown
         const auto* table = qobject_cast<QTableView*>(v);
         for (int c = 0; c < v->model()->columnCount(v->rootIndex()); ++c)
             if (!table || !table->isColumnHidden(c))
@@ -370,8 +330,7 @@ void RandomUser::act(QWidget* window)
         const bool twice = m_dice.chance(15);
         if (cell.isEmpty())
             return;
-        say(QStringLiteral("%1 en la celda %2,%3 de %4")
-                .arg(twice ? QStringLiteral("doble clic") : QStringLiteral("clic"))
+        say(QStringLiteral("%1 en la celda %2,%3 de %4").arg(twice ? "doble clic" : "clic")
                 .arg(row).arg(index.column()).arg(nameOf(v)));
         if (twice)
             QTest::mouseDClick(v->viewport(), Qt::LeftButton, {}, cell.center());

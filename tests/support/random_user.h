@@ -1,6 +1,5 @@
 #pragma once
-// A user who does anything at all, reproducibly: the same seed gives the same
-// clicks, keys and answers.
+// A user who does anything at all, reproducibly: one seed, the same clicks, keys and answers.
 #include "testsupport.h"
 
 #include <QList>
@@ -29,31 +28,26 @@ private:
 // "ñ", emoji, numbers out of every range, fractions, blanks and nothing.
 const QStringList& nastyTexts();
 
-// Answers every prompt and file or printer dialog at random and records it.
-// A modal screen gets a few events of its own through `onModal` (two modal
-// screens deep at most) and is then closed.
-class RandomPrompts : public PromptService {
+// Answers every prompt and file or printer dialog at random, recording it as
+// the scripted service does. A modal screen gets a few events of its own
+// through `onModal` (two modal screens deep at most) and is then closed.
+class RandomPrompts : public ScriptedPrompts {
 public:
     RandomPrompts(Dice& dice, const QString& folder);   // files offered live in `folder`
-    ~RandomPrompts() override;
 
-    QList<Prompt> prompts;
     QStringList boundaryMessages;   // the failures the error boundary showed
     std::function<void(QWidget*)> onModal;
 
     Answer message(const QString& text, Icon icon, const QString& title, Buttons buttons) override;
-    std::optional<QString> input(const QString& prompt, const QString& title,
-                                 const QString& initial) override;
+    std::optional<QString> input(const QString& prompt, const QString& title, const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
     bool print(const tq::PaintPages& paint, const QString& title) override;
     bool printDefault(const tq::PaintPages& paint, const QString& title) override;
     void showModal(QWidget* screen) override;
-    void endProgram() override;
 
 private:
     Dice& m_dice;
-    PromptService* m_previous = nullptr;
     QStringList m_openAnswers, m_saveAnswers;
     int m_boundarySeen = 0;
     int m_depth = 0;

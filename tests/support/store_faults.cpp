@@ -6,41 +6,34 @@
 namespace tq::test {
 
 // The text the store fails with, as the driver hands it on.
-static const char* const kFault = "fallo provocado de la base de datos";
+static const QString kFault = QStringLiteral("fallo provocado de la base de datos");
 
+// `quedan`: writes left before the store fails; NULL while it is healthy. A
+// refused write is undone with its statement, so the count stays below one.
 StoreFaults::StoreFaults()
 {
-    // `quedan`: writes left before the store fails; NULL while it is healthy.
-    // A refused write is undone with its statement, so the count stays below
-    // one and every later write fails too.
-    if (amb1().engine() == Engine::Server) {
-        amb1().execute(QStringLiteral("CREATE TABLE IF NOT EXISTS falla (quedan INTEGER)"));
-        amb1().execute(QStringLiteral("DELETE FROM falla"));
-        amb1().execute(QStringLiteral("INSERT INTO falla (quedan) VALUES (NULL)"));
-        amb1().execute(QStringLiteral(
-                           "CREATE OR REPLACE FUNCTION falla() RETURNS trigger LANGUAGE plpgsql AS "
-                           "'BEGIN "
-                           "UPDATE falla SET quedan = quedan - 1 WHERE quedan IS NOT NULL; "
-                           "IF (SELECT quedan FROM falla) < 0 THEN RAISE EXCEPTION ''%1''; END IF; "
-                           "RETURN COALESCE(NEW, OLD); END'")
-                           .arg(QLatin1String(kFault)));
-        for (const QString& table : schema::tableNames())
-            amb1().execute(QStringLiteral("CREATE TRIGGER falla BEFORE INSERT OR UPDATE OR DELETE "
-                                          "ON %1 FOR EACH ROW EXECUTE FUNCTION falla()")
-                               .arg(table));
-        return;
-    }
-    amb1().execute(QStringLiteral("CREATE TEMP TABLE falla (quedan INTEGER)"));
+    const bool server = amb1().engine() == Engine::Server;
+    const QString count = QStringLiteral("UPDATE falla SET quedan = quedan - 1 WHERE quedan IS NOT NULL; ");
+    amb1().execute(server ? "CREATE TABLE IF NOT EXISTS falla (quedan INTEGER)"
+                          : "CREATE TEMP TABLE falla (quedan INTEGER)");
+    amb1().execute(QStringLiteral("DELETE FROM falla"));
     amb1().execute(QStringLiteral("INSERT INTO falla (quedan) VALUES (NULL)"));
+    if (server)
+        amb1().execute(QStringLiteral("CREATE OR REPLACE FUNCTION falla() RETURNS trigger LANGUAGE plpgsql "
+                                      "AS 'BEGIN %1IF (SELECT quedan FROM falla) < 0 THEN "
+                                      "RAISE EXCEPTION ''%2''; END IF; RETURN COALESCE(NEW, OLD); END'")
+                           .arg(count, kFault));
     for (const QString& table : schema::tableNames()) {
-        for (const char* op : {"INSERT", "UPDATE", "DELETE"}) {
-            amb1().execute(QStringLiteral("CREATE TEMP TRIGGER \"falla_%1_%2\" BEFORE %2 ON "
-                                          "main.\"%1\" BEGIN "
-                                          "UPDATE falla SET quedan = quedan - 1 WHERE quedan IS NOT NULL; "
-                                          "SELECT RAISE(ABORT, '%3') WHERE (SELECT quedan FROM falla) < 0; "
-                                          "END")
-                               .arg(table, QLatin1String(op), QLatin1String(kFault)));
+        if (server) {
+            amb1().execute(QStringLiteral("CREATE TRIGGER falla BEFORE INSERT OR UPDATE OR DELETE "
+                                          "ON %1 FOR EACH ROW EXECUTE FUNCTION falla()").arg(table));
+            continue;
         }
+        for (const char* op : {"INSERT", "UPDATE", "DELETE"})
+            amb1().execute(QStringLiteral("CREATE TEMP TRIGGER \"falla_%1_%2\" BEFORE %2 ON main.\"%1\" "
+                                          "BEGIN %3SELECT RAISE(ABORT, '%4') "
+                                          "WHERE (SELECT quedan FROM falla) < 0; END")
+                               .arg(table, QLatin1String(op), count, kFault));
     }
 }
 

@@ -28,8 +28,7 @@ namespace {
 QSqlDatabase serverConnection(const QString& name, const QString& options)
 {
     QSqlDatabase db = QSqlDatabase::contains(name) ? QSqlDatabase::database(name, false)
-                                                   : QSqlDatabase::addDatabase(
-                                                         QStringLiteral("QPSQL"), name);
+                                                   : QSqlDatabase::addDatabase("QPSQL", name);
     if (!db.isOpen()) {
         db.setConnectOptions(options);
         if (!db.open())
@@ -53,23 +52,64 @@ QString databaseName()
         .arg(QCoreApplication::applicationPid());
 }
 
+QSqlDatabase admin()
+{
+    return serverConnection(QStringLiteral("tq_admin"), testServer() + QStringLiteral(" dbname=postgres"));
+}
+
+// Makes the database `name` afresh (a copy of `from` when given); dropped when the program ends.
+void makeDatabase(const QString& name, const QString& from = {})
+{
+    mustRun(admin(), QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(name));
+    mustRun(admin(), from.isEmpty() ? QStringLiteral("CREATE DATABASE %1").arg(name)
+                                    : QStringLiteral("CREATE DATABASE %1 TEMPLATE %2").arg(name, from));
+    static QStringList made;
+    if (made.isEmpty())
+        qAddPostRoutine([] {
+            amb1().closeStore();
+            QSqlDatabase::database(QStringLiteral("tq_reset"), false).close();
+            QSqlQuery drop(QSqlDatabase::database(QStringLiteral("tq_admin"), false));
+            for (const QString& n : std::as_const(made))
+                drop.exec(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(n));
+        });
+    if (!made.contains(name))
+        made << name;
+}
+
+// The first value of `sql` on a store reached through a connection of its
+// own: a file (embedded store) or a server's connection text.
+QVariant firstValue(const QString& fileOrServer, bool server, const QString& sql)
+{
+    const QString name = QStringLiteral("tq_aparte");
+    QVariant v;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(server ? "QPSQL" : "QSQLITE", name);
+        server ? db.setConnectOptions(fileOrServer) : db.setDatabaseName(fileOrServer);
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql) && q.next())
+            v = q.value(0);
+    }
+    QSqlDatabase::removeDatabase(name);
+    return v;
+}
+
+// The next scripted answer, or `none` when the script has run out.
+template <typename T>
+T takeFirst(std::deque<T>& script, T none = {})
+{
+    if (script.empty())
+        return none;
+    T first = script.front();
+    script.pop_front();
+    return first;
+}
+
 // Empties this program's database on the server, making it first.
 void emptyServerStore()
 {
     static bool made = false;
-    if (!made) {
-        const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
-                                                    testServer() + QStringLiteral(" dbname=postgres"));
-        mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(databaseName()));
-        mustRun(admin, QStringLiteral("CREATE DATABASE %1").arg(databaseName()));
-        made = true;
-        qAddPostRoutine([] {
-            amb1().closeStore();
-            QSqlDatabase::database(QStringLiteral("tq_reset"), false).close();
-            QSqlQuery(QSqlDatabase::database(QStringLiteral("tq_admin"), false))
-                .exec(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(databaseName()));
-        });
-    }
+    if (!std::exchange(made, true))
+        makeDatabase(databaseName());
     const QSqlDatabase db = serverConnection(
         QStringLiteral("tq_reset"),
         testDatabase() + QStringLiteral(" options='-c client_min_messages=warning'"));
@@ -82,21 +122,7 @@ void emptyServerStore()
 QString serverDatabase(const QString& suffix, const QString& from)
 {
     const QString name = databaseName() + QLatin1Char('_') + suffix;
-    const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
-                                                testServer() + QStringLiteral(" dbname=postgres"));
-    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(name));
-    mustRun(admin, from.isEmpty() ? QStringLiteral("CREATE DATABASE %1").arg(name)
-                                  : QStringLiteral("CREATE DATABASE %1 TEMPLATE %2_%3")
-                                        .arg(name, databaseName(), from));
-    static QStringList made;
-    if (made.isEmpty())
-        qAddPostRoutine([] {
-            QSqlQuery drop(QSqlDatabase::database(QStringLiteral("tq_admin"), false));
-            for (const QString& n : std::as_const(made))
-                drop.exec(QStringLiteral("DROP DATABASE IF EXISTS %1 WITH (FORCE)").arg(n));
-        });
-    if (!made.contains(name))
-        made << name;
+    makeDatabase(name, from.isEmpty() ? QString() : databaseName() + QLatin1Char('_') + from);
     return testServer() + QStringLiteral(" dbname=") + name;
 }
 
@@ -113,65 +139,24 @@ TempStore::TempStore()
     reopen();
 }
 
-void TempStore::reopen() const
-{
-    if (onServer())
-        amb1().openServer(testDatabase());
-    else
-        amb1().openStore(dbPath());
-}
+void TempStore::reopen() const { onServer() ? amb1().openServer(testDatabase()) : amb1().openStore(dbPath()); }
 
 QString TempStore::where() const { return onServer() ? testDatabase() : dbPath(); }
-
-namespace {
-
-// The first value of `sql` on a store reached through a connection of its
-// own: a file (embedded store) or a server's connection text.
-QVariant firstValue(const QString& fileOrServer, bool server, const QString& sql)
-{
-    const QString name = QStringLiteral("tq_aparte");
-    QVariant v;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(
-            server ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE"), name);
-        if (server)
-            db.setConnectOptions(fileOrServer);
-        else
-            db.setDatabaseName(fileOrServer);
-        QSqlQuery q(db);
-        if (db.open() && q.exec(sql) && q.next())
-            v = q.value(0);
-    }
-    QSqlDatabase::removeDatabase(name);
-    return v;
-}
-
-}  // namespace
 
 QVariant queryCopy(const QString& file, const QString& sql)
 {
     if (!onServer())
         return firstValue(file, false, sql);
-    const QString restored = databaseName() + QStringLiteral("_copia");
-    const QSqlDatabase admin = serverConnection(QStringLiteral("tq_admin"),
-                                                testServer() + QStringLiteral(" dbname=postgres"));
-    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(restored));
-    mustRun(admin, QStringLiteral("CREATE DATABASE %1").arg(restored));
-    const QString connection = testServer() + QStringLiteral(" dbname=") + restored;
+    const QString connection = serverDatabase(QStringLiteral("copia"));
     QProcess restore;
     restore.start(QStringLiteral("pg_restore"),
                   {QStringLiteral("--no-owner"), QStringLiteral("--dbname=") + connection, file});
     if (!restore.waitForFinished(120000) || restore.exitCode() != 0)
         qWarning("pg_restore: %s", restore.readAllStandardError().constData());
-    const QVariant v = firstValue(connection, true, sql);
-    mustRun(admin, QStringLiteral("DROP DATABASE IF EXISTS %1").arg(restored));
-    return v;
+    return firstValue(connection, true, sql);
 }
 
-QVariant TempStore::query(const QString& sql) const
-{
-    return firstValue(onServer() ? testDatabase() : dbPath(), onServer(), sql);
-}
+QVariant TempStore::query(const QString& sql) const { return firstValue(where(), onServer(), sql); }
 
 TempStore::~TempStore()
 {
@@ -180,21 +165,6 @@ TempStore::~TempStore()
 }
 
 QString TempStore::dbPath() const { return QDir(m_dir.path()).filePath(QStringLiteral("lab.db")); }
-
-namespace {
-
-// The next scripted answer, or `none` when the script has run out.
-template <typename T>
-T takeFirst(std::deque<T>& script, T none = {})
-{
-    if (script.empty())
-        return none;
-    T first = script.front();
-    script.pop_front();
-    return first;
-}
-
-}  // namespace
 
 ScriptedPrompts::ScriptedPrompts() { m_previous = installPrompts(this); }
 
@@ -214,19 +184,15 @@ QStringList ScriptedPrompts::messages() const
     return out;
 }
 
-QString ScriptedPrompts::lastMessage() const
-{
-    const QStringList m = messages();
-    return m.isEmpty() ? QString() : m.last();
-}
+QString ScriptedPrompts::lastMessage() const { return messages().value(messages().size() - 1); }
 
 void ScriptedPrompts::clear()
 {
     prompts.clear();
-    answers.clear();
-    inputs.clear();
-    files.clear();
-    printers.clear();
+    answers = {};
+    inputs = {};
+    files = {};
+    printers = {};
     ended = false;
 }
 
@@ -243,15 +209,7 @@ std::optional<QString> ScriptedPrompts::input(const QString& prompt, const QStri
                                               const QString&)
 {
     prompts.append({Prompt::Input, prompt, Icon::None, title, Buttons::OkCancel});
-    // Taken apart rather than copied whole: GCC warns of a copied optional text.
-    if (inputs.empty())
-        return std::nullopt;
-    const bool answered = inputs.front().has_value();
-    const QString text = answered ? *inputs.front() : QString();
-    inputs.pop_front();
-    if (!answered)
-        return std::nullopt;
-    return text;
+    return takeFirst(inputs);
 }
 
 QString ScriptedPrompts::openFile(const QString& caption, const QString&, const QString&)
@@ -321,8 +279,7 @@ void ScriptedPrompts::endProgram()
 void typeKeys(QWidget* w, const QString& text)
 {
     for (QChar c : text) {
-        // QTest's own table knows only ASCII; the laboratory's texts are
-        // full of accents and "ñ".
+        // QTest's own table knows only ASCII; the laboratory's texts are full of accents and "ñ".
         if (c.unicode() < 0x80) {
             QTest::keyClick(w, char(c.unicode()));
             continue;
@@ -394,13 +351,9 @@ int rowsIn(const QString& table) { return count(QStringLiteral("SELECT COUNT(*) 
 
 int addEmployee(const QString& usuario, const QString& password, int rol, const QList<int>& modules)
 {
-    const int code = amb1()
-                         .insert(QStringLiteral("Empleados"),
-                                 {QStringLiteral("nombre_empleado"), QStringLiteral("apellido_empleado"),
-                                  QStringLiteral("rol"), QStringLiteral("usuario"), QStringLiteral("Password")},
-                                 {QStringLiteral("Ana María"), QStringLiteral("Zelaya"), rol, usuario,
-                                  hashPassword(password)})
-                         .toInt();
+    const int code = amb1().insert(QStringLiteral("Empleados"),
+                                   {"nombre_empleado", "apellido_empleado", "rol", "usuario", "Password"},
+                                   {"Ana María", "Zelaya", rol, usuario, hashPassword(password)}).toInt();
     for (int m : modules)
         amb1().execute(QStringLiteral("INSERT INTO usuariosmodulos (cod_empleado, cod_modulo) VALUES (?, ?)"),
                        {code, m});
@@ -409,9 +362,8 @@ int addEmployee(const QString& usuario, const QString& password, int rol, const 
 
 bool hasPassword(int code, const QString& typed)
 {
-    return verifyPassword(
-        value(QStringLiteral("SELECT Password FROM Empleados WHERE cod_empleado = ?"), {code}).toString(),
-        typed);
+    return verifyPassword(value("SELECT Password FROM Empleados WHERE cod_empleado = ?", {code}).toString(),
+                          typed);
 }
 
 QByteArray bytesOf(const QString& file)

@@ -1,7 +1,5 @@
 #pragma once
-// Test support: a temporary store, a scripted prompt service that records
-// every prompt and answers from a script, and helpers to find controls by
-// name, type keys and click.
+// A temporary store, a scripted prompt service, helpers to find controls, type and click.
 #include "foundation/ui/prompt.h"
 
 #include <QAbstractButton>
@@ -22,24 +20,22 @@ namespace tq { class FlexGrid; }
 
 namespace tq::test {
 
-// The PostgreSQL server the tests run against (TQ_TEST_SERVER, a libpq
-// connection text), or empty when they run on the embedded store.
+// The test server's libpq connection text (TQ_TEST_SERVER); empty on the embedded store.
 QString testServer();
 inline bool onServer() { return !testServer().isEmpty(); }
 // The connection text of this test program's own database on that server.
 QString testDatabase();
 
-// On the server: makes this program's database named with `suffix` afresh
-// (empty, or a copy of the one named with `from`) and returns its connection.
+// On the server: this program's database named `suffix` made afresh (empty, or
+// a copy of the one named `from`); returns its connection.
 QString serverDatabase(const QString& suffix, const QString& from = {});
 
 // The first value `sql` gives on a backup copy: the copied file opened, or,
 // on the server, pg_dump's copy restored into a fresh database (dropped after).
 QVariant queryCopy(const QString& file, const QString& sql);
 
-// A fresh data folder with a new store opened on amb1 (schema and first-start
-// rows), the shared program state reset. Closed and removed on destruction.
-// On the server the store is this program's database, emptied first.
+// A fresh data folder and store opened on amb1 (on the server this program's
+// database, emptied first), the program state reset; all undone on destruction.
 class TempStore {
 public:
     TempStore();
@@ -50,8 +46,7 @@ public:
     void reopen() const;
     // What another process opens this store with: the file or the connection.
     QString where() const;
-    // The first value `sql` gives on this store through a connection of its
-    // own, as another program would see it (amb1 may be closed).
+    // The first value of `sql` as another program sees it (amb1 may be closed).
     QVariant query(const QString& sql) const;
 
 private:
@@ -66,13 +61,12 @@ struct Prompt {
     Buttons buttons = Buttons::Ok;
 };
 
-// Paints a print job on paper that is kept in memory, as PDF: the job's own
-// drawing runs whole, as it would on a printer.
+// A print job painted whole onto PDF paper kept in memory.
 QByteArray printOnPaper(const PaintPages& paint);
 
-// Records every prompt. Questions are answered from a queue (Yes when empty),
-// input boxes, file and printer dialogs from their own queues (cancel when empty),
-// modal screens by the handler given for their name (closed at once when none).
+// Records every prompt. Questions are answered from a queue (Yes when empty), input,
+// file and printer dialogs from their own (cancel when empty), modal screens by
+// the handler given for their name (closed at once when none).
 class ScriptedPrompts : public PromptService {
 public:
     ScriptedPrompts();   // installs itself
@@ -89,14 +83,12 @@ public:
 
     void onModal(const QString& screen, std::function<void(QWidget*)> handler);
 
-    // Texts of the message boxes shown, in order.
-    QStringList messages() const;
+    QStringList messages() const;   // the message boxes' texts, in order
     QString lastMessage() const;
     void clear();
 
     Answer message(const QString& text, Icon icon, const QString& title, Buttons buttons) override;
-    std::optional<QString> input(const QString& prompt, const QString& title,
-                                 const QString& initial) override;
+    std::optional<QString> input(const QString& prompt, const QString& title, const QString& initial) override;
     QString openFile(const QString& caption, const QString& folder, const QString& filter) override;
     QString saveFile(const QString& caption, const QString& proposed, const QString& filter) override;
     bool print(const tq::PaintPages& paint, const QString& title) override;
@@ -109,12 +101,9 @@ private:
     QList<QPair<QString, std::function<void(QWidget*)>>> m_modal;
 };
 
-// A control of `root` by its object name; fails the test (QVERIFY) via nullptr check.
+// A control of `root` by its object name, or nullptr.
 template <typename T = QWidget>
-T* control(QObject* root, const QString& name)
-{
-    return root ? root->findChild<T*>(name) : nullptr;
-}
+T* control(QObject* root, const QString& name) { return root ? root->findChild<T*>(name) : nullptr; }
 
 // Types the text into the focused-or-given widget with real key presses.
 void type(QWidget* w, const QString& text);
@@ -126,26 +115,22 @@ void pressKey(QWidget* w, Qt::Key key, Qt::KeyboardModifiers mods = Qt::NoModifi
 void click(QAbstractButton* b);
 // Clicks the button named `name` inside root; returns false when missing or disabled.
 bool clickNamed(QObject* root, const QString& name);
-// Clicks the named button, answering its question if given, and returns the
-// messages it showed ("<name disabled>" when the button could not be clicked).
-QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp,
-                  std::optional<Answer> answer = {});
+// Clicks the named button, answering its question if given; the messages it showed
+// ("<name disabled>" when it could not be clicked).
+QStringList press(QWidget* w, const QString& button, ScriptedPrompts& sp, std::optional<Answer> answer = {});
 // The visible window of that name (a screen shown on its own, a preview), or nullptr.
 QWidget* visibleWindow(const QString& name);
 // Creates a screen through the registry, shows it and waits until exposed.
 QWidget* openScreen(const QString& name);
-
-// ---- short forms the screen tests share
 
 inline QLineEdit* edit(QWidget* w, const QString& name) { return control<QLineEdit>(w, name); }
 // The first value of a query on amb1; the same as a whole number.
 QVariant value(const QString& sql, const QVariantList& binds = {});
 int count(const QString& sql, const QVariantList& binds = {});
 int rowsIn(const QString& table);
-// Adds an employee who signs on with `usuario` and `password` (stored hashed),
-// with the given module rights; returns the code.
-int addEmployee(const QString& usuario, const QString& password, int rol,
-                const QList<int>& modules = {});
+// Adds an employee signing on with `usuario` and `password` (stored hashed) and
+// the given module rights; returns the code.
+int addEmployee(const QString& usuario, const QString& password, int rol, const QList<int>& modules = {});
 // The employee's stored password is a hash that `typed` was made from.
 bool hasPassword(int code, const QString& typed);
 QByteArray bytesOf(const QString& file);
