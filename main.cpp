@@ -5,6 +5,7 @@
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
 #include "foundation/ui/errors.h"
+#include "foundation/ui/placement.h"
 #include "frame/Form7.h"
 #include "frame/accesos.h"
 #include "frame/frmSplash.h"
@@ -127,7 +128,7 @@ int main(int argc, char** argv)
     } else {
         tq::beginOpeningStoreOncePainted(folderProblem);
         auto* splash = new frmSplash();
-        tq::centreWindow(splash);
+        tq::placeWindow(splash);
         splash->show();
         code = app.exec();
     }

@@ -8,6 +8,7 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/reports/report.h"
+#include "foundation/ui/placement.h"
 #include "foundation/ui/registry.h"
 #include "frame/Form4.h"
 #include "frame/accesos.h"
@@ -106,6 +107,8 @@ MDIForm1::MDIForm1(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<U
     ui->setupUi(this);
     setObjectName(QStringLiteral("MDIForm1"));
     setAttribute(Qt::WA_DeleteOnClose);
+    // Windows of their own open centred over this one.
+    tq::setPlacementCentre(this);
 
     QList<QAction*> separators;
     for (QAction* top : ui->menubar->actions())

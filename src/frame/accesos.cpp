@@ -7,6 +7,7 @@
 #include "frame/MDIForm1.h"
 #include "foundation/base/passwords.h"
 #include "foundation/base/values.h"
+#include "foundation/ui/placement.h"
 
 #include <QDir>
 #include <cstdint>
@@ -191,7 +192,7 @@ QString storeClosedMessage()
 QWidget* showSignOn()
 {
     auto* w = new Form7(nullptr);
-    centreWindow(w);
+    placeWindow(w);
     w->show();
     w->raise();
     w->activateWindow();

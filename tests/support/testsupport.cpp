@@ -258,13 +258,16 @@ void ScriptedPrompts::showModal(QWidget* screen)
     QPointer<QWidget> guard(screen);
     screen->setAttribute(Qt::WA_DeleteOnClose);
     screen->show();
-    for (int i = 0; i < m_modal.size(); ++i) {
+    bool handled = false;
+    for (int i = 0; i < m_modal.size() && !handled; ++i) {
         if (m_modal[i].first == screen->objectName()) {
             auto handler = m_modal.takeAt(i).second;
             handler(screen);
-            break;
+            handled = true;
         }
     }
+    if (!handled && everyModal)
+        everyModal(screen);
     if (guard)
         guard->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

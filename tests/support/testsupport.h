@@ -82,6 +82,8 @@ public:
     bool ended = false;
 
     void onModal(const QString& screen, std::function<void(QWidget*)> handler);
+    // Every modal screen without a handler of its own, while it shows.
+    std::function<void(QWidget*)> everyModal;
 
     QStringList messages() const;   // the message boxes' texts, in order
     QString lastMessage() const;

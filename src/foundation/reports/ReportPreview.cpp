@@ -15,6 +15,7 @@
 #include <QPdfWriter>
 #include <QPointer>
 #include <QSaveFile>
+#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStandardPaths>
@@ -190,6 +191,28 @@ void ReportPreview::showPage(int page)
     ui->Hojas->verticalScrollBar()->setValue(0);
 }
 
+QSize ReportPreview::sizeHint() const
+{
+    const QSizeF mm = m_doc->pageSizeMm();
+    const QSize bar = ui->barra->sizeHint();
+    const QMargins m = layout()->contentsMargins();
+    const int spacing = std::max(0, layout()->spacing());
+    // Round the page: the scroll bar, the frame and the gap zoomWidth leaves.
+    const int around = ui->Hojas->verticalScrollBar()->sizeHint().width()
+                       + 2 * ui->Hojas->frameWidth() + 16;
+    int pageWidth = int(mm.width() * logicalDpiX() / 25.4);
+    const int pageHeight = int(mm.height() * logicalDpiY() / 25.4);
+    // At its width, a page is never more than twice the height there is under
+    // the bar on the display (less the room of a window's frame).
+    if (const QScreen* display = screen(); display && mm.height() > 0) {
+        const int room = display->availableGeometry().height() - 40 - bar.height() - spacing
+                         - m.top() - m.bottom() - around;
+        pageWidth = std::min(pageWidth, int(2.0 * room * mm.width() / mm.height()));
+    }
+    return {std::max(bar.width(), pageWidth + around) + m.left() + m.right(),
+            bar.height() + spacing + pageHeight + around + m.top() + m.bottom()};
+}
+
 double ReportPreview::zoomWidth() const
 {
     const QSizeF mm = m_doc->pageSizeMm();
@@ -203,8 +226,9 @@ double ReportPreview::zoomWidth() const
         return mm.width() * logicalDpiX() / 25.4;
     case 3:
         return 1.5 * mm.width() * logicalDpiX() / 25.4;
-    default:
-        return std::max(100.0, view.width() - gap);
+    default:   // the width in sight, but never so wide that less than half the page shows
+        return std::max(100.0, std::min(view.width() - gap,
+                                        2 * (view.height() - gap) * mm.width() / mm.height()));
     }
 }
 

@@ -44,6 +44,11 @@ public:
     // The open preview of that report, if any.
     static ReportPreview* find(const QString& name);
 
+    // Room for a whole page at its own size under the bar of buttons: a
+    // preview opens showing the page's width and as much of its height as the
+    // screen allows.
+    QSize sizeHint() const override;
+
     // "Imprimir" and "Guardar PDF".
     void printReport();
     void savePdf();

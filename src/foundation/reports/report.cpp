@@ -4,6 +4,7 @@
 #include "foundation/reports/ReportPreview.h"
 #include "foundation/reports/engine.h"
 #include "foundation/ui/errors.h"
+#include "foundation/ui/placement.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 
@@ -118,7 +119,7 @@ QWidget* runReport(const ReportRun& run, QWidget* owner)
     if (owner)
         w->setParent(owner->window(), w->windowFlags() | Qt::Window);
     w->setAttribute(Qt::WA_DeleteOnClose);
-    centreWindow(w);
+    placeWindow(w);
     w->show();
     w->raise();
     return w;

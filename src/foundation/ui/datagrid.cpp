@@ -2,7 +2,9 @@
 
 #include "foundation/data/amb1.h"
 #include "foundation/base/values.h"
+#include "foundation/ui/placement.h"
 
+#include <algorithm>
 #include <QDateTime>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -165,7 +167,32 @@ void DataGrid::bind(const Recordset& rs)
     clearSelection();
     m_quiet = false;
     applyHidden();
-    resizeColumnsToContents();
+    fitColumns();
+}
+
+void DataGrid::fitColumns()
+{
+    const int columns = m_model->columnCount();
+    m_natural.resize(columns);
+    for (int c = 0; c < columns; ++c) {
+        const int title = horizontalHeader()->sectionSizeHint(c);
+        m_natural[c] = std::max(sizeHintForColumn(c), title);
+        if (!isColumnHidden(c))
+            setColumnWidth(c, std::max(1, int(m_natural[c] * m_scale + 0.5)));
+    }
+    updateGeometry();
+}
+
+QSize DataGrid::sizeHint() const
+{
+    const QSize base = QTableView::sizeHint();
+    return {std::max(base.width(), widthToShowColumns(this)), base.height()};
+}
+
+void DataGrid::setColumnScale(double scale)
+{
+    m_scale = scale > 0 ? scale : 1.0;
+    fitColumns();
 }
 
 void DataGrid::clear()

@@ -79,6 +79,18 @@ public:
 
     RecordsetModel* recordsetModel() const { return m_model; }
 
+    // Every column drawn at this share of the width its texts need (1 by
+    // default): a grid given more width than its window has keeps its
+    // columns' proportions.
+    void setColumnScale(double scale);
+    double columnScale() const { return m_scale; }
+
+    // The width that shows a column's texts and title whole, as of the last
+    // bind, before any scaling; -1 for a column not bound.
+    int naturalWidth(int col) const { return col >= 0 && col < m_natural.size() ? m_natural[col] : -1; }
+    // As wide as its columns and the scroll bar's room.
+    QSize sizeHint() const override;
+
 signals:
     // The user chose a row.
     void rowChosen(int row);
@@ -88,6 +100,7 @@ protected:
 
 private:
     void applyHidden();
+    void fitColumns();
     void currentMoved(const QModelIndex& current);
     void cellClicked(const QModelIndex& index);
 
@@ -95,6 +108,8 @@ private:
     QStringList m_excluded;
     QStringList m_hidden;
     bool m_quiet = false;
+    double m_scale = 1.0;
+    QVector<int> m_natural;
     int m_pressEmitted = -1;
 };
 

@@ -1,6 +1,7 @@
 #include "foundation/ui/flexgrid.h"
 
 #include "foundation/base/apperror.h"
+#include "foundation/ui/placement.h"
 #include "foundation/ui/widgets.h"
 
 #include <QBrush>
@@ -301,7 +302,23 @@ void FlexGrid::setColWidth(int col, int twipsWidth)
     m_widths[col] = twipsWidth;
     setColumnHidden(col, twipsWidth <= 0);
     if (twipsWidth > 0)
-        setColumnWidth(col, twips(twipsWidth));
+        setColumnWidth(col, std::max(1, int(twips(twipsWidth) * m_scale + 0.5)));
+    updateGeometry();
+}
+
+QSize FlexGrid::sizeHint() const
+{
+    const QSize base = QTableView::sizeHint();
+    return {std::max(base.width(), widthToShowColumns(this)), base.height()};
+}
+
+void FlexGrid::setColumnScale(double scale)
+{
+    m_scale = scale > 0 ? scale : 1.0;
+    for (int c = 0; c < int(m_widths.size()); ++c)
+        if (m_widths[c] > 0)
+            setColumnWidth(c, std::max(1, int(twips(m_widths[c]) * m_scale + 0.5)));
+    updateGeometry();
 }
 
 int FlexGrid::colWidth(int col) const

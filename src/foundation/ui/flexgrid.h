@@ -103,6 +103,10 @@ public:
     void setColWidth(int col, int twipsWidth);
     // The width last given in twips, or -1 when never given.
     int colWidth(int col) const;
+    // Every column drawn at this share of its width (1 by default): a grid
+    // given more width than its window has keeps its columns' proportions.
+    void setColumnScale(double scale);
+    double columnScale() const { return m_scale; }
     // The width in pixels that shows every text of a column whole.
     int contentWidth(int col) const { return sizeHintForColumn(col); }
 
@@ -111,6 +115,9 @@ public:
     void clear();
 
     FlexGridModel* flexModel() const { return m_model; }
+
+    // As wide as its columns, its row header and the scroll bar's room.
+    QSize sizeHint() const override;
 
 signals:
     // The user clicked a data row (grid numbering); the cursor is already on it.
@@ -131,6 +138,7 @@ private:
 
     FlexGridModel* m_model;
     QVector<int> m_widths;
+    double m_scale = 1.0;
     int m_row = 1;
     int m_col = 0;
 };

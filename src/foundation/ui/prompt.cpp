@@ -1,6 +1,7 @@
 #include "foundation/ui/prompt.h"
 
 #include "foundation/base/modules.h"
+#include "foundation/ui/placement.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -48,24 +49,6 @@ static QWidget* activeParent()
     if (!w)
         w = QApplication::activeWindow();
     return w;
-}
-
-void centreWindow(QWidget* window)
-{
-    if (!window || window->testAttribute(Qt::WA_Moved))
-        return;
-    window->adjustSize();
-    QRect area;
-    QWidget* over = activeParent();
-    if (over && over != window && over->isVisible())
-        area = over->frameGeometry();
-    else if (QScreen* screen = window->screen())
-        area = screen->availableGeometry();
-    if (area.isEmpty())
-        return;
-    QRect frame = window->frameGeometry();
-    frame.moveCenter(area.center());
-    window->move(frame.topLeft());
 }
 
 Answer QtPromptService::message(const QString& text, Icon icon, const QString& title,
@@ -200,7 +183,7 @@ void QtPromptService::showModal(QWidget* screen)
     }
     screen->setWindowModality(Qt::ApplicationModal);
     screen->setWindowFlag(Qt::Window, true);
-    centreWindow(screen);
+    placeWindow(screen);
     QEventLoop loop;
     QObject::connect(screen, &QObject::destroyed, &loop, &QEventLoop::quit);
     screen->show();

@@ -66,10 +66,6 @@ public:
     bool ask(const QString& text, const QString& title = QString::fromLatin1(kAppTitle));
 };
 
-// Places a top-level window in the middle of the active window (or of the
-// screen), unless the window was placed on purpose with move().
-void centreWindow(QWidget* window);
-
 // Printing lives in a module of its own, loaded the first time something is
 // printed, so that the printing libraries cost nothing at start-up. Returns
 // an empty text when the module is loaded, or why it could not be.

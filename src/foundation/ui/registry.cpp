@@ -1,5 +1,6 @@
 #include "foundation/ui/registry.h"
 
+#include "foundation/ui/placement.h"
 #include "foundation/ui/prompt.h"
 
 #include <QMap>
@@ -69,6 +70,7 @@ QWidget* ScreenRegistry::create(const QString& name, QWidget* parent) const
         return nullptr;
     if (w && w->objectName().isEmpty())
         w->setObjectName(name);
+    placeWhenShown(w);
     return w;
 }
 
