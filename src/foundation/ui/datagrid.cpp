@@ -172,14 +172,20 @@ void DataGrid::bind(const Recordset& rs)
 
 void DataGrid::fitColumns()
 {
+    // What the texts and titles need is measured once a bind; a new scale
+    // only draws the same widths again.
     const int columns = m_model->columnCount();
     m_natural.resize(columns);
-    for (int c = 0; c < columns; ++c) {
-        const int title = horizontalHeader()->sectionSizeHint(c);
-        m_natural[c] = std::max(sizeHintForColumn(c), title);
+    for (int c = 0; c < columns; ++c)
+        m_natural[c] = std::max(sizeHintForColumn(c), horizontalHeader()->sectionSizeHint(c));
+    applyScale();
+}
+
+void DataGrid::applyScale()
+{
+    for (int c = 0; c < int(m_natural.size()) && c < m_model->columnCount(); ++c)
         if (!isColumnHidden(c))
             setColumnWidth(c, std::max(1, int(m_natural[c] * m_scale + 0.5)));
-    }
     updateGeometry();
 }
 
@@ -191,8 +197,11 @@ QSize DataGrid::sizeHint() const
 
 void DataGrid::setColumnScale(double scale)
 {
-    m_scale = scale > 0 ? scale : 1.0;
-    fitColumns();
+    scale = scale > 0 ? scale : 1.0;
+    if (scale == m_scale)
+        return;
+    m_scale = scale;
+    applyScale();
 }
 
 void DataGrid::clear()

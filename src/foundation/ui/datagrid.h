@@ -101,6 +101,7 @@ protected:
 private:
     void applyHidden();
     void fitColumns();
+    void applyScale();
     void currentMoved(const QModelIndex& current);
     void cellClicked(const QModelIndex& index);
 

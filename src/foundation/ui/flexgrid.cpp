@@ -314,7 +314,10 @@ QSize FlexGrid::sizeHint() const
 
 void FlexGrid::setColumnScale(double scale)
 {
-    m_scale = scale > 0 ? scale : 1.0;
+    scale = scale > 0 ? scale : 1.0;
+    if (scale == m_scale)
+        return;
+    m_scale = scale;
     for (int c = 0; c < int(m_widths.size()); ++c)
         if (m_widths[c] > 0)
             setColumnWidth(c, std::max(1, int(twips(m_widths[c]) * m_scale + 0.5)));
