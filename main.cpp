@@ -1,6 +1,7 @@
 // Tarvenquil 4.0: the laboratory's program. Splash, sign-on and main
 // window, with the store of the data folder opened beside the first window.
 #include "billing/invoice/demoinvoices.h"
+#include "foundation/base/memory.h"
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
@@ -90,6 +91,7 @@ int main(int argc, char** argv)
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
+    tq::keepHeapHeadroom();
 
     if (hasOption(argc, argv, "--demo"))
         return fillDemo(argc, argv);

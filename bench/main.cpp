@@ -13,6 +13,7 @@
 #include "store_fill.h"
 
 #include "foundation/base/apperror.h"
+#include "foundation/base/memory.h"
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/ui/prompt.h"
@@ -62,6 +63,7 @@ public:
 
 int main(int argc, char** argv)
 {
+    tq::keepHeapHeadroom();   // as the program does
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
