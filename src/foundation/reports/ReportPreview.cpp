@@ -6,6 +6,7 @@
 #include "foundation/reports/engine.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/pdffile.h"
+#include "foundation/ui/placement.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
@@ -205,7 +206,9 @@ QSize ReportPreview::sizeHint() const
     // At its width, a page is never more than twice the height there is under
     // the bar on the display (less the room of a window's frame).
     if (const QScreen* display = screen(); display && mm.height() > 0) {
-        const int room = display->availableGeometry().height() - 40 - bar.height() - spacing
+        const QMargins frame = windowFrameRoom();
+        const int room = display->availableGeometry().height() - frame.top() - frame.bottom()
+                         - bar.height() - spacing
                          - m.top() - m.bottom() - around;
         pageWidth = std::min(pageWidth, int(2.0 * room * mm.width() / mm.height()));
     }

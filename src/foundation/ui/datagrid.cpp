@@ -185,15 +185,11 @@ void DataGrid::applyScale()
 {
     for (int c = 0; c < int(m_natural.size()) && c < m_model->columnCount(); ++c)
         if (!isColumnHidden(c))
-            setColumnWidth(c, std::max(1, int(m_natural[c] * m_scale + 0.5)));
+            setColumnWidth(c, scaledWidth(m_natural[c], m_scale));
     updateGeometry();
 }
 
-QSize DataGrid::sizeHint() const
-{
-    const QSize base = QTableView::sizeHint();
-    return {std::max(base.width(), widthToShowColumns(this)), base.height()};
-}
+QSize DataGrid::sizeHint() const { return gridSizeHint(this, QTableView::sizeHint()); }
 
 void DataGrid::setColumnScale(double scale)
 {

@@ -302,15 +302,11 @@ void FlexGrid::setColWidth(int col, int twipsWidth)
     m_widths[col] = twipsWidth;
     setColumnHidden(col, twipsWidth <= 0);
     if (twipsWidth > 0)
-        setColumnWidth(col, std::max(1, int(twips(twipsWidth) * m_scale + 0.5)));
+        setColumnWidth(col, scaledWidth(twips(twipsWidth), m_scale));
     updateGeometry();
 }
 
-QSize FlexGrid::sizeHint() const
-{
-    const QSize base = QTableView::sizeHint();
-    return {std::max(base.width(), widthToShowColumns(this)), base.height()};
-}
+QSize FlexGrid::sizeHint() const { return gridSizeHint(this, QTableView::sizeHint()); }
 
 void FlexGrid::setColumnScale(double scale)
 {
@@ -320,7 +316,7 @@ void FlexGrid::setColumnScale(double scale)
     m_scale = scale;
     for (int c = 0; c < int(m_widths.size()); ++c)
         if (m_widths[c] > 0)
-            setColumnWidth(c, std::max(1, int(twips(m_widths[c]) * m_scale + 0.5)));
+            setColumnWidth(c, scaledWidth(twips(m_widths[c]), m_scale));
     updateGeometry();
 }
 

@@ -29,9 +29,6 @@ QPointer<QWidget> g_centre;
 constexpr const char* kDesigned = "tqTamanoDisenado";
 // The place and size given when it opened, to tell whether the user changed them.
 constexpr const char* kPlaced = "tqLugarDado";
-// Room for the frame a window manager draws round a window of its own, before
-// the window has one to measure.
-const QMargins kFrameRoom(4, 30, 4, 4);
 
 // The header's sections side by side.
 int sectionsWidth(const QHeaderView* header)
@@ -61,7 +58,7 @@ int columnsWidth(const QAbstractScrollArea* area, bool scaled)
         const double scale = scaled ? data->columnScale() : 1.0;
         for (int c = 0; c < data->model()->columnCount(); ++c)
             if (!data->isColumnHidden(c))
-                inner += std::max(1, int(std::max(0, data->naturalWidth(c)) * scale + 0.5));
+                inner += scaledWidth(std::max(0, data->naturalWidth(c)), scale);
         rowHeader = data->verticalHeader();
     } else if (const auto* table = qobject_cast<const QTableView*>(area)) {
         inner = sectionsWidth(table->horizontalHeader());
@@ -246,6 +243,15 @@ int widthToShowAll(const QAbstractScrollArea* area) { return columnsWidth(area, 
 
 int widthToShowColumns(const QAbstractScrollArea* grid) { return columnsWidth(grid, true); }
 
+int scaledWidth(int width, double scale) { return std::max(1, int(width * scale + 0.5)); }
+
+QSize gridSizeHint(const QAbstractScrollArea* grid, const QSize& base)
+{
+    return {std::max(base.width(), widthToShowColumns(grid)), base.height()};
+}
+
+QMargins windowFrameRoom() { return {4, 30, 4, 4}; }
+
 QSize neededSize(QWidget* screen)
 {
     return designedSize(screen).expandedTo(screen->sizeHint()).expandedTo(screen->minimumSizeHint());
@@ -284,30 +290,25 @@ void placeWindow(QWidget* window)
     // What the window adds round its contents: a sub-window's title and
     // borders, a window manager's frame.
     const QSize around = sub ? sub->sizeHint() - screen->sizeHint()
-                             : QSize(kFrameRoom.left() + kFrameRoom.right(),
-                                     kFrameRoom.top() + kFrameRoom.bottom());
+                             : QSize(0, 0).grownBy(windowFrameRoom());
+    const QString name = screen->objectName();
+    const QRect kept = name.isEmpty() ? QRect() : QSettings().value(placementKey(name)).toRect();
     QSize room = space.size() - around;
-
-    const QRect kept = QSettings().value(placementKey(screen->objectName())).toRect();
-    if (!screen->objectName().isEmpty() && kept.isValid())
+    if (kept.isValid())
         room = room.boundedTo(sub ? kept.size() - around : kept.size());
-    const QSize contents = kept.isValid() ? fitInto(screen, room).expandedTo(room)
-                                          : fitInto(screen, room);
-    const QSize size = sub ? contents + around : contents;
-    window->resize(size);
+    // A kept size is taken whole, within the space; the grids fit it either way.
+    const QSize fitted = fitInto(screen, room);
+    const QSize contents = kept.isValid() ? room : fitted;
+    window->resize(sub ? contents + around : contents);
 
-    QRect frame(window->pos(), window->size());
-    if (kept.isValid()) {
+    QRect frame(window->pos(), sub ? window->size() : window->size().grownBy(windowFrameRoom()));
+    if (kept.isValid())
         frame.moveTopLeft(kept.topLeft());
-    } else if (!sub) {
-        frame.setSize(window->size().grownBy(kFrameRoom));
-        QRect over = g_centre && g_centre->isVisible() && g_centre != window
-                         ? g_centre->frameGeometry()
-                         : space;
-        frame.moveCenter(over.center());
-    }
-    if (!sub)
-        frame.setSize(window->size().grownBy(kFrameRoom));
+    else if (!sub)
+        frame.moveCenter((g_centre && g_centre->isVisible() && g_centre != window
+                              ? g_centre->frameGeometry()
+                              : space)
+                             .center());
     frame = clampInto(frame, space);
     window->move(frame.topLeft());
     window->setProperty(kPlaced, placeOf(window));

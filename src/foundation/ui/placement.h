@@ -13,6 +13,7 @@
 //
 // The registry places every screen it creates; a window shown by other means
 // is placed with placeWindow before it shows.
+#include <QMargins>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -58,6 +59,16 @@ QSize neededSize(QWidget* screen);
 // The space `window` may take: the main window's working area for a
 // sub-window, else the free part of the display the main window is on.
 QRect spaceFor(const QWidget* window);
+
+// A column of `width` pixels drawn at `scale`, never narrower than a pixel.
+int scaledWidth(int width, double scale);
+// A grid's size hint: as high as Qt's `base`, as wide as its columns
+// (widthToShowColumns) when that is wider.
+QSize gridSizeHint(const QAbstractScrollArea* grid, const QSize& base);
+
+// Room for the frame a window manager draws round a window of its own,
+// before the window has one to measure.
+QMargins windowFrameRoom();
 
 // Where the size and place of screen `name` are kept among the user's
 // settings.
