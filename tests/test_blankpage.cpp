@@ -171,7 +171,10 @@ private slots:
         box6->setFocus();
         typeLines(box6, 37);
         QCOMPARE(box6->toPlainText().count('\n'), 37);
-        six->showStored("GLUCOSA: 90 mg/dL", "Rosa Diaz", "03/02/2026");
+        StoredSheet stored;
+        stored.codPlantilla = kBlankTemplate2;
+        stored.cells = {{"1", "GLUCOSA: 90 mg/dL"}};
+        six->showStored(stored, {"Rosa Diaz", "03/02/2026", {}});
         QCOMPARE(box6->toPlainText(), QString("GLUCOSA: 90 mg/dL"));
         QCOMPARE(control<QLabel>(six, "lblPaciente")->text(), QString("Rosa Diaz"));
         six->close();

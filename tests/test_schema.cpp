@@ -198,6 +198,22 @@ private slots:
         tq::schema::upgrade(db(), column("SELECT name FROM sqlite_master"));
         QCOMPARE(count("SELECT COUNT(*) FROM sqlite_master WHERE name = "
                        "'ix_Pacientes_nombre_paciente_apellido_paciente'"), 1);
+
+        // A store from before corrections kept their earlier cells: the log
+        // gains its new columns with its lines whole, and the table of
+        // earlier cells is made.
+        run("DROP TABLE historialcambios");
+        run("DROP TABLE celdasanteriores");
+        run("CREATE TABLE historialcambios (Factura INTEGER, plantilla VARCHAR(60), "
+            "usuario VARCHAR(50), fecha DATE, descripcion VARCHAR(255))");
+        run("INSERT INTO historialcambios VALUES (7, 'Hematologia', 'admin', '2025-01-02', 'x')");
+        tq::schema::upgrade(db(), column("SELECT name FROM sqlite_master"));
+        const QSqlRecord log = db().record("historialcambios");
+        for (const QString& name : tq::schema::columnNames("historialcambios"))
+            QVERIFY2(log.indexOf(name) >= 0, qPrintable(name));
+        QCOMPARE(count("SELECT COUNT(*) FROM historialcambios WHERE Factura = 7 "
+                       "AND cod_cambio IS NULL"), 1);
+        QCOMPARE(count("SELECT COUNT(*) FROM celdasanteriores"), 0);
     }
 };
 

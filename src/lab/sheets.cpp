@@ -305,6 +305,90 @@ QList<Cell> layOutVersion(int codPlantilla, std::int32_t version, Normals normal
     return layOut(codPlantilla, names, normals, who);
 }
 
+namespace {
+
+StoredSheet readRows(const QString& where, const QVariantList& binds)
+{
+    Recordset rs;
+    rs.open(QStringLiteral("SELECT num_factura, NumFormato, Cod_Plantilla, celda, valor, version, "
+                           "iduniversalformato FROM resultados WHERE %1 ORDER BY diferenciador")
+                .arg(where),
+            binds);
+    StoredSheet sheet;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+        if (sheet.cells.isEmpty()) {
+            sheet.codPlantilla = toInt32(rs.field(QStringLiteral("Cod_Plantilla")));
+            sheet.version = toInt32(rs.field(QStringLiteral("version")));
+            sheet.factura = toInt32(rs.field(QStringLiteral("num_factura")));
+            sheet.numFormato = toInt32(rs.field(QStringLiteral("NumFormato")));
+            sheet.formatId = toInt32(rs.field(QStringLiteral("iduniversalformato")));
+        }
+        sheet.cells.append({rs.text(QStringLiteral("celda")), rs.text(QStringLiteral("valor"))});
+    }
+    return sheet;
+}
+
+}  // namespace
+
+StoredSheet readSheetById(std::int32_t formatId)
+{
+    return readRows(QStringLiteral("iduniversalformato = ?"), {formatId});
+}
+
+StoredSheet readSheet(std::int32_t factura, std::int32_t numFormato, int codPlantilla)
+{
+    return readRows(QStringLiteral("num_factura = ? AND NumFormato = ? AND Cod_Plantilla = ?"),
+                    {factura, numFormato, codPlantilla});
+}
+
+RebuiltGrid rebuildGrid(const StoredSheet& sheet)
+{
+    const int code = sheet.codPlantilla;
+    RebuiltGrid out;
+    if (!isGridTemplate(code))
+        return out;
+    out.cells = layOutVersion(code, sheet.version, Normals::Reprint);
+    const GridShape& shape = gridShape(code);
+    // The comment takes the header of the column the row before it went to
+    // (the first column when it comes first); chemistry keeps its headers.
+    int lastCol = 0;
+    for (const StoredCell& cell : sheet.cells) {
+        if (cell.celda.compare(QStringLiteral("W"), Qt::CaseInsensitive) == 0) {
+            out.comment = cell.valor;
+            if (code != kQuimica)
+                out.cells.append({0, lastCol, cell.valor});
+            continue;
+        }
+        if (cell.celda.isEmpty())
+            continue;
+        const int col = columnOfLetter(code, cell.celda.at(0));
+        bool isRow = false;
+        const int row = cell.celda.mid(1).toInt(&isRow);
+        if (col < 0 || !isRow || row < 1 || row >= shape.rows)
+            continue;   // no cell of this family: nothing to show
+        lastCol = col;
+        out.cells.append({row, col, cell.valor});
+    }
+    return out;
+}
+
+QStringList parasitologyFields(const StoredSheet& sheet)
+{
+    QStringList fields(10);
+    for (const StoredCell& cell : sheet.cells) {
+        bool isNumber = false;
+        const int n = cell.celda.trimmed().toInt(&isNumber);
+        if (isNumber && n >= 1 && n <= 10)
+            fields[n - 1] = cell.valor;
+    }
+    return fields;
+}
+
+QString pageTextOf(const StoredSheet& sheet)
+{
+    return sheet.cells.isEmpty() ? QString() : sheet.cells.first().valor;
+}
+
 SavedSheet saveGridSheet(int codPlantilla, const QList<std::pair<QString, QString>>& cells,
                          const QString& comment, const SheetContext& context)
 {

@@ -91,6 +91,50 @@ QList<Cell> layOut(int codPlantilla, const QStringList& names, Normals normals,
 QList<Cell> layOutVersion(int codPlantilla, std::int32_t version, Normals normals,
                           PatientClass who = {});
 
+// --- A stored sheet read back ---------------------------------------------
+
+// One row of `resultados`: the cell's name (letter and row, "W" for the
+// comment, 1..10 on parasitology, 1 on the free-text pages) and its text.
+struct StoredCell {
+    QString celda;
+    QString valor;
+};
+
+// The rows of one saved sheet, in the order they were written.
+struct StoredSheet {
+    int codPlantilla = 0;          // of the first row
+    std::int32_t version = 0;      // of the first row; 0 when it has none
+    std::int32_t factura = 0;
+    std::int32_t numFormato = 0;
+    std::int32_t formatId = 0;     // 0 for a corrected sheet, which has none
+    QList<StoredCell> cells;
+    bool isEmpty() const { return cells.isEmpty(); }
+};
+
+// The sheet stored under a format id (the pending list, the history).
+// Throws DbError.
+StoredSheet readSheetById(std::int32_t formatId);
+// The sheet `numFormato` of template `codPlantilla` on an invoice (the
+// reprint and correction lists). Throws DbError.
+StoredSheet readSheet(std::int32_t factura, std::int32_t numFormato, int codPlantilla);
+
+// A grid sheet laid out again from its rows, in the template's version it
+// was saved with: first the names and normal values (the marks unset, as
+// every reprint has them), then each cell at its letter's column and its
+// row. The comment ("W") goes to the box under the grid; on hematology and
+// urinalysis it is also written over the header cell of the column the row
+// before it went to (that header gives way to the comment, even an empty
+// one); chemistry keeps its header. Throws DbError.
+struct RebuiltGrid {
+    QList<Cell> cells;
+    QString comment;
+};
+RebuiltGrid rebuildGrid(const StoredSheet& sheet);
+// The ten fields of parasitology: cell "1".."10" into field 1..10.
+QStringList parasitologyFields(const StoredSheet& sheet);
+// The page of a free-text sheet: the first row's text.
+QString pageTextOf(const StoredSheet& sheet);
+
 // --- Saving a sheet from the work table -----------------------------------
 
 // One exam picked on the work table.

@@ -44,6 +44,21 @@ const QList<Invariant>& storeInvariants()
             {QStringLiteral("resultados: ninguna celda sin su factura"),
              QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE NOT EXISTS (SELECT 1 FROM Factura f "
                             "WHERE f.factura = r.num_factura)")},
+            // A sheet's row belongs to a sheet of a known format.
+            {QStringLiteral("resultados: ninguna celda sin su formato"),
+             QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE r.NumFormato IS NULL "
+                            "OR NOT EXISTS (SELECT 1 FROM Plantilla p "
+                            "WHERE p.Cod_Plantilla = r.Cod_Plantilla)")},
+            // A correction keeps what the sheet said before it: every line of
+            // the log it wrote has its earlier cells, and no earlier cell
+            // stands without its line.
+            {QStringLiteral("historialcambios: cada corrección con sus celdas anteriores"),
+             QStringLiteral("SELECT COUNT(*) FROM historialcambios h WHERE h.cod_cambio IS NOT NULL "
+                            "AND NOT EXISTS (SELECT 1 FROM celdasanteriores a "
+                            "WHERE a.cod_cambio = h.cod_cambio)")},
+            {QStringLiteral("celdasanteriores: ninguna celda sin su corrección"),
+             QStringLiteral("SELECT COUNT(*) FROM celdasanteriores a WHERE NOT EXISTS "
+                            "(SELECT 1 FROM historialcambios h WHERE h.cod_cambio = a.cod_cambio)")},
         };
         // The registers and the other master tables keep whole codes.
         for (const char* keyed : {"Empleados cod_empleado", "Doctores Cod_doctor", "Pacientes cod_paciente",

@@ -10,6 +10,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QVariant>
 #include <vector>
 
@@ -229,9 +230,25 @@ const std::vector<Table>& tables()
         {"historialcambios",
          {{"Factura", kInt},
           {"plantilla", kName},
-          {"usuario", kUser},
+          {"usuario", kUser},   // the administrator who authorised the change
           {"fecha", kDate},
-          {"descripcion", kReason}}},
+          {"descripcion", kReason},
+          // The audit of a correction: its number, which cells it took away
+          // (celdasanteriores), who typed it and when, which sheet it was.
+          {"cod_cambio", kInt},
+          {"tecnico", kUser},
+          {"momento", "TIMESTAMP"},
+          {"NumFormato", kInt},
+          {"Cod_Plantilla", kInt}}},
+        // The cells of a sheet as they stood before a correction replaced them.
+        {"celdasanteriores",
+         {{"cod_cambio", kInt},
+          {"Cod_Plantilla", kInt},
+          {"NumFormato", kInt},
+          {"celda", kShort},
+          {"valor", kMemo},
+          {"version", kInt},
+          {"iduniversalformato", kInt}}},
         {"Tempo",
          {{"nombre", kAddress}, {"edad", "VARCHAR(40)"}, {"sexo", kShort}, {"fecha", kShort}}},
 
@@ -314,6 +331,8 @@ const std::vector<Index>& indexes()
         {"submenusformatoblanco", {"codigo_formatoblanco"}},
         {"historialcambios", {"Factura"}},
         {"historialcambios", {"fecha"}},
+        {"historialcambios", {"cod_cambio"}},
+        {"celdasanteriores", {"cod_cambio"}},
         {"Relacion", {"Cod_Descripcionexamen"}},
         {"Relacion", {"Cod_Item"}},
         {"proveedoresinsumos", {"prvcod"}},
@@ -640,19 +659,50 @@ void seedFirstStart(const QSqlDatabase& db)
 
 void upgrade(const QSqlDatabase& db, const QStringList& present)
 {
-    // Indexes that came with later versions.
+    // Tables, columns and indexes that came with later versions. A table
+    // that gained columns gained an index with them, so a store with every
+    // index costs no look at its columns.
+    QList<const Table*> newTables;
+    for (const Table& t : tables())
+        if (!present.contains(QLatin1String(t.name), Qt::CaseInsensitive))
+            newTables << &t;
     QList<const Index*> missing;
+    QStringList grown;
     for (const Index& ix : indexes())
-        if (!present.contains(indexName(ix), Qt::CaseInsensitive))
+        if (!present.contains(indexName(ix), Qt::CaseInsensitive)) {
             missing << &ix;
-    if (!missing.isEmpty())
-        inTransaction(db, QStringLiteral("No se pudieron crear los índices nuevos de la base de datos."),
-                      [&] {
-                          for (const Index* ix : missing)
-                              run(db, createIndexSql(*ix), {},
-                                  QStringLiteral("No se pudo crear un índice de la tabla %1.")
-                                      .arg(QLatin1String(ix->table)));
-                      });
+            if (!grown.contains(QLatin1String(ix.table)))
+                grown << QLatin1String(ix.table);
+        }
+    if (!missing.isEmpty() || !newTables.isEmpty())
+        inTransaction(db, QStringLiteral("No se pudo poner al día la base de datos."), [&] {
+            for (const Table* t : newTables)
+                run(db, createTableSql(*t, db), {},
+                    QStringLiteral("No se pudo crear la tabla %1 de la base de datos.")
+                        .arg(QLatin1String(t->name)));
+            for (const Table& t : tables()) {
+                if (!grown.contains(QLatin1String(t.name)) || newTables.contains(&t))
+                    continue;
+                const QSqlRecord have = db.record(QLatin1String(t.name));
+                for (const Column& c : t.columns) {
+                    bool there = false;
+                    for (int i = 0; i < have.count() && !there; ++i)
+                        there = have.fieldName(i).compare(QLatin1String(c.name),
+                                                          Qt::CaseInsensitive) == 0;
+                    if (!there && have.count() > 0)
+                        run(db, QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
+                                    .arg(QLatin1String(t.name), QLatin1String(c.name),
+                                         QLatin1String(c.type)),
+                            {},
+                            QStringLiteral("No se pudo agregar la columna %1 a la tabla %2.")
+                                .arg(QLatin1String(c.name), QLatin1String(t.name)));
+                }
+            }
+            for (const Index* ix : missing)
+                run(db, createIndexSql(*ix), {},
+                    QStringLiteral("No se pudo crear un índice de la tabla %1.")
+                        .arg(QLatin1String(ix->table)));
+        });
 
     // Earlier versions kept passwords as typed. A current store answers this
     // with no row, so opening it costs one small query.

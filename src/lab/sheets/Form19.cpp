@@ -35,6 +35,15 @@ Form19::Form19(QWidget* parent)
 
 Form19::~Form19() = default;
 
+void Form19::lockStored()
+{
+    BlankPage::lockStored();
+    ui->Rich1->setReadOnly(true);
+    for (QMenu* menu : {ui->edit, ui->parasit, ui->serologia, ui->quimicas, ui->inmunologia,
+                        ui->hematologia, ui->varios, ui->admonformats})
+        menu->menuAction()->setEnabled(false);
+}
+
 Form19::StoredMenu* Form19::storedMenu(int menu)
 {
     return menu >= 1 && menu <= int(m_menus.size()) ? &m_menus[std::size_t(menu - 1)] : nullptr;

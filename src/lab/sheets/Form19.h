@@ -29,6 +29,11 @@ public:
     void removeLastStoredEntry(int menu);
     int storedEntryCount(int menu) const;
 
+protected:
+    // A stored page shown to be printed: the box locked, the menus that
+    // change it disabled.
+    void lockStored() override;
+
 private:
     struct StoredMenu {
         QMenu* menu = nullptr;

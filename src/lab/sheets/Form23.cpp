@@ -5,6 +5,7 @@
 #include "foundation/ui/registry.h"
 
 #include <QLabel>
+#include <QLineEdit>
 
 TQ_REGISTER_SCREEN(Form23)
 
@@ -27,9 +28,37 @@ Form23::~Form23() = default;
 
 QStringList Form23::fields() const
 {
-    return {ui->Text1->text(), ui->Text2->text(), ui->Text3->text(), ui->Text4->text(),
-            ui->Text5->text(), ui->Text6->text(), ui->Text7->text(), ui->Text8->text(),
-            ui->Text9->text(), ui->Text10->text()};
+    QStringList texts;
+    for (const QLineEdit* box : textBoxes())
+        texts << box->text();
+    return texts;
+}
+
+void Form23::fillStored(const StoredSheet& sheet)
+{
+    const QStringList values = parasitologyFields(sheet);
+    const QList<QLineEdit*> boxes = textBoxes();
+    for (int i = 0; i < boxes.size(); ++i)
+        boxes.at(i)->setText(values.value(i));
+}
+
+void Form23::lockStored()
+{
+    SheetScreen::lockStored();
+    for (QLineEdit* box : textBoxes())
+        box->setReadOnly(true);
+}
+
+tq::corrections::Saved Form23::storeCorrection(const tq::corrections::Target& target,
+                                               const QString& descripcion)
+{
+    return tq::corrections::saveParasitology(target, descripcion, fields());
+}
+
+QList<QLineEdit*> Form23::textBoxes() const
+{
+    return {ui->Text1, ui->Text2, ui->Text3, ui->Text4, ui->Text5,
+            ui->Text6, ui->Text7, ui->Text8, ui->Text9, ui->Text10};
 }
 
 SavedSheet Form23::store(const SheetContext& context)

@@ -3,7 +3,10 @@
 // first and then what the microscope found.
 #include "lab/sheets/gridsheet.h"
 
+#include <QList>
 #include <QStringList>
+
+class QLineEdit;
 #include <memory>
 
 namespace Ui {
@@ -21,7 +24,12 @@ public:
 
 protected:
     tq::sheets::SavedSheet store(const tq::sheets::SheetContext& context) override;
+    void fillStored(const tq::sheets::StoredSheet& sheet) override;
+    void lockStored() override;
+    tq::corrections::Saved storeCorrection(const tq::corrections::Target& target,
+                                           const QString& descripcion) override;
 
 private:
+    QList<QLineEdit*> textBoxes() const;
     std::unique_ptr<Ui::Form23> ui;
 };

@@ -20,9 +20,3 @@ Form36::Form36(QWidget* parent)
 }
 
 Form36::~Form36() = default;
-
-void Form36::showStored(const QString& text, const QString& patient, const QString& date)
-{
-    page().setPatient(patient, date);
-    replaceText(text);
-}

@@ -15,9 +15,10 @@ public:
     explicit Form36(QWidget* parent = nullptr);
     ~Form36() override;
 
-    // A stored page shown again: its text, the patient and the sheet's date.
-    // The box stays open to typing and "Guardar" enabled.
-    void showStored(const QString& text, const QString& patient, const QString& date);
+protected:
+    // A stored page shown again keeps its box open to typing and "Guardar"
+    // enabled, unlike the blank page of the work table.
+    void lockStored() override {}
 
 private:
     std::unique_ptr<Ui::Form36> ui;

@@ -120,6 +120,14 @@ void BlankPage::setPrinting(bool printing)
 
 void BlankPage::beforeLeaving() { m_rich->clear(); }
 
+void BlankPage::fillStored(const StoredSheet& sheet) { replaceText(pageTextOf(sheet)); }
+
+corrections::Saved BlankPage::storeCorrection(const corrections::Target& target,
+                                              const QString& descripcion)
+{
+    return corrections::saveBlank(target, descripcion, pageText());
+}
+
 void BlankPage::copySelection()
 {
     QString text = m_rich->textCursor().selectedText();

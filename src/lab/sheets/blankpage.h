@@ -63,6 +63,11 @@ protected:
     SavedSheet store(const SheetContext& context) override;
     void setPrinting(bool printing) override;
     void beforeLeaving() override;
+    // A stored page: its text, typed over on a correction.
+    void fillStored(const StoredSheet& sheet) override;
+    corrections::Saved storeCorrection(const corrections::Target& target,
+                                       const QString& descripcion) override;
+    QTextEdit* richBox() const { return m_rich; }
 
 private:
     void copySelection();

@@ -1,5 +1,6 @@
 #include "lab/sheets/gridsheet.h"
 
+#include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/flexgrid.h"
@@ -51,16 +52,20 @@ void SheetScreen::attach(QWidget* pagina, const SheetMenu& menu)
     pagina->setPalette(paper);
     pagina->setAutoFillBackground(true);
 
-    onTriggered(menu.guardar, QStringLiteral("guardar el resultado"), [this] { guardar(); });
-    onTriggered(menu.imprimir, QStringLiteral("imprimir la hoja de resultados"),
-                [this] { imprimir(); });
-    onTriggered(menu.pdf, QStringLiteral("imprimir la hoja de resultados"), [this] { crearPdf(); });
-    onTriggered(menu.pdfArchivo, QStringLiteral("guardar la hoja de resultados como PDF"),
-                [this] { guardarPdf(); });
-    connect(menu.salir, &QAction::triggered, this, [this] {
-        beforeLeaving();
-        close();
-    });
+    const auto wire = [](QAction* action, const QString& what, std::function<void()> fn) {
+        if (action)
+            onTriggered(action, what, std::move(fn));
+    };
+    wire(menu.guardar, QStringLiteral("guardar el resultado"), [this] { guardar(); });
+    wire(menu.imprimir, QStringLiteral("imprimir la hoja de resultados"), [this] { imprimir(); });
+    wire(menu.pdf, QStringLiteral("imprimir la hoja de resultados"), [this] { crearPdf(); });
+    wire(menu.pdfArchivo, QStringLiteral("guardar la hoja de resultados como PDF"),
+         [this] { guardarPdf(); });
+    if (menu.salir)
+        connect(menu.salir, &QAction::triggered, this, [this] {
+            beforeLeaving();
+            close();
+        });
 
     guarded(QStringLiteral("leer los datos del laboratorio para el encabezado"),
             [this] { page().fillHeading(m_traits.headingWithEmail); });
@@ -76,8 +81,38 @@ void SheetScreen::startEntry(const SheetContext& context,
     m_onSaved = std::move(onSaved);
 }
 
+void SheetScreen::showStored(const StoredSheet& sheet, const StoredHeading& heading)
+{
+    page().setPatient(heading.paciente, heading.fecha, heading.edad);
+    fillStored(sheet);
+    lockStored();
+    m_reprint = true;
+}
+
+void SheetScreen::lockStored()
+{
+    if (m_menu.guardar)
+        m_menu.guardar->setEnabled(false);
+}
+
+void SheetScreen::startCorrection(const StoredSheet& sheet, const StoredHeading& heading,
+                                  const corrections::Target& target,
+                                  std::function<QString()> reason,
+                                  std::function<void(const corrections::Saved&)> onSaved)
+{
+    page().setPatient(heading.paciente, heading.fecha, heading.edad);
+    fillStored(sheet);
+    m_correction = target;
+    m_reason = std::move(reason);
+    m_onCorrected = std::move(onSaved);
+}
+
 std::int32_t SheetScreen::formatId() const
 {
+    // A stored sheet marks what the lists last opened, as the program
+    // always did: the sheet of the current format id.
+    if (m_reprint)
+        return state().idFormatoActual;
     if (m_saved)
         return m_saved->formatId;
     return m_context ? m_context->proposedFormatId : 0;
@@ -85,6 +120,10 @@ std::int32_t SheetScreen::formatId() const
 
 void SheetScreen::guardar()
 {
+    if (m_correction) {
+        corregir();
+        return;
+    }
     if (!m_context) {
         say(QStringLiteral("Esta hoja no se abrió desde la mesa de trabajo para ningún examen, "
                            "así que no se guardó nada."));
@@ -106,6 +145,26 @@ void SheetScreen::guardar()
         say(QStringLiteral("El resultado ha sido guardado exitosamente"));
     if (m_onSaved)
         m_onSaved(saved);
+}
+
+// The sheet typed over replaces the stored one, and the change is logged
+// with what the sheet held before; then the screen closes.
+void SheetScreen::corregir()
+{
+    if (m_corrected)
+        return;
+    const QString descripcion = m_reason ? m_reason() : QString();
+    if (descripcion.isEmpty()) {
+        prompts().message(corrections::kNoReason, Icon::Exclamation);
+        return;
+    }
+    m_corrected = storeCorrection(*m_correction, descripcion);
+    if (m_menu.guardar)
+        m_menu.guardar->setEnabled(false);
+    if (m_onCorrected)
+        m_onCorrected(*m_corrected);
+    say(corrections::kCorrected);
+    close();
 }
 
 // The sheet as it stands, on the default printer; only a sheet that reached
@@ -259,6 +318,31 @@ void GridSheet::layOutEntry(const SheetContext& context)
                              patientClassOfInvoice(context.factura)));
 }
 
+void GridSheet::fillStored(const StoredSheet& sheet)
+{
+    const RebuiltGrid rebuilt = rebuildGrid(sheet);
+    showLayout(rebuilt.cells);
+    m_comment->setPlainText(rebuilt.comment);
+}
+
+void GridSheet::lockStored()
+{
+    SheetScreen::lockStored();
+    m_locked = true;
+    m_grid->setFocusPolicy(Qt::ClickFocus);
+    m_comment->setReadOnly(true);
+}
+
+corrections::Saved GridSheet::storeCorrection(const corrections::Target& target,
+                                              const QString& descripcion)
+{
+    const int code = templateCode();
+    return corrections::saveGrid(
+        target, descripcion,
+        gridCells(code, m_grid->rows(), [this](int r, int c) { return m_grid->textMatrix(r, c); }),
+        comment());
+}
+
 SavedSheet GridSheet::store(const SheetContext& context)
 {
     const int code = templateCode();
@@ -284,7 +368,7 @@ void GridSheet::setPrinting(bool printing)
 bool GridSheet::typable(int row, int col) const
 {
     const GridShape& shape = gridShape(templateCode());
-    return row >= 1 && row < m_grid->rows() && row != shape.secondHeaderRow
+    return !m_locked && row >= 1 && row < m_grid->rows() && row != shape.secondHeaderRow
            && shape.editableCols.contains(col);
 }
 

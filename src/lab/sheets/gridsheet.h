@@ -9,6 +9,7 @@
 // chemistry: its shape, the typing rules and the laid-out template. The
 // free-text pages (blankpage.h) are a SheetScreen too.
 #include "foundation/ui/sheetpage.h"
+#include "lab/corrections.h"
 #include "lab/sheets.h"
 #include "lab/sheets/opensheet.h"
 
@@ -27,6 +28,8 @@ class FlexGrid;
 namespace tq::sheets {
 
 // The entries of the menu "Archivo" of a sheet.
+// Entries a screen lacks are null (the correction screens have only
+// "Guardar Cambios" and "Salir").
 struct SheetMenu {
     QAction* guardar = nullptr;
     QAction* imprimir = nullptr;
@@ -42,10 +45,36 @@ struct SheetTraits {
     bool marksPrinted = true;        // "imprimir" marks the sheet's lines printed
 };
 
+// What the heading of a stored sheet shows: the name, the date of the
+// invoice and (on the blank page only) the age recorded on the invoice.
+struct StoredHeading {
+    QString paciente;
+    QString fecha;
+    QString edad;
+};
+
 class SheetScreen : public QMainWindow, public EntrySheet {
     Q_OBJECT
 public:
     int templateCode() const { return m_code; }
+
+    // A saved sheet shown again to be printed (the pending and reprint
+    // lists, the history): filled from its rows and, but for the second
+    // free-text page, read-only with "Guardar" disabled. "imprimir" then
+    // marks the sheet of the program's current format id, whichever list
+    // set it last (none since start: nothing is marked). Throws DbError.
+    void showStored(const StoredSheet& sheet, const StoredHeading& heading);
+
+    // A saved sheet opened to be corrected: filled from its rows and open to
+    // typing. "Guardar" asks `reason` for the reason chosen on the reason
+    // screen and, with one, replaces the stored sheet and logs the change
+    // (corrections.h), says "El proceso se Realizo con Exito!!!" and closes;
+    // without one it says "Debe agregar una descripcion del cambio" and
+    // changes nothing. Throws DbError.
+    // `onSaved` hears of the correction before the screen closes.
+    void startCorrection(const StoredSheet& sheet, const StoredHeading& heading,
+                         const corrections::Target& target, std::function<QString()> reason,
+                         std::function<void(const corrections::Saved&)> onSaved = {});
 
     // The heading with the patient (and the age, where the page shows it)
     // and today, the grid laid out, and from then on "Guardar" stores onto
@@ -74,6 +103,13 @@ protected:
     virtual void setPrinting(bool) {}
     // What "salir" does before the screen closes.
     virtual void beforeLeaving() {}
+    // The body of a stored sheet, and what a reprint locks of it (by
+    // default "Guardar").
+    virtual void fillStored(const StoredSheet& sheet) = 0;
+    virtual void lockStored();
+    // The body typed over a stored sheet replaces it. Throws AppError/DbError.
+    virtual corrections::Saved storeCorrection(const corrections::Target& target,
+                                               const QString& descripcion) = 0;
     // The name the save dialog proposes for the PDF file: the title and the patient.
     QString proposedPdfName() const;
     // The patient's name as the page shows it.
@@ -81,6 +117,7 @@ protected:
 
 private:
     void guardar();
+    void corregir();
     void imprimir();
     void crearPdf();
     void guardarPdf();
@@ -93,6 +130,11 @@ private:
     std::optional<SheetContext> m_context;
     std::function<void(const SavedSheet&)> m_onSaved;
     std::optional<SavedSheet> m_saved;
+    bool m_reprint = false;
+    std::optional<corrections::Target> m_correction;
+    std::function<QString()> m_reason;
+    std::function<void(const corrections::Saved&)> m_onCorrected;
+    std::optional<corrections::Saved> m_corrected;
 };
 
 class GridSheet : public SheetScreen {
@@ -114,6 +156,10 @@ protected:
     void layOutEntry(const SheetContext& context) override;
     SavedSheet store(const SheetContext& context) override;
     void setPrinting(bool printing) override;
+    void fillStored(const StoredSheet& sheet) override;
+    void lockStored() override;
+    corrections::Saved storeCorrection(const corrections::Target& target,
+                                       const QString& descripcion) override;
 
 private:
     void shapeGrid(const QList<int>& widths);
@@ -124,6 +170,7 @@ private:
 
     FlexGrid* m_grid = nullptr;
     QPlainTextEdit* m_comment = nullptr;
+    bool m_locked = false;   // a stored sheet shown to be printed
 };
 
 }  // namespace tq::sheets

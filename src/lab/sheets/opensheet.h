@@ -3,9 +3,11 @@
 // template opened modally for the exams picked, with the patient's heading,
 // laid out (grid templates) from the template's latest version and the
 // patient's normal values.
+#include "lab/corrections.h"
 #include "lab/sheets.h"
 
 #include <functional>
+#include <optional>
 
 namespace tq::sheets {
 
@@ -30,5 +32,29 @@ QString entryScreenName(int codPlantilla);
 // for it to close. True when the sheet was saved (the work table then starts
 // over). Throws DbError when the sheet can't be laid out.
 bool openForWorkTable(int codPlantilla, const SheetContext& context);
+
+// --- Stored sheets ---------------------------------------------------------
+
+struct StoredHeading;
+
+// The screen a stored sheet of `codPlantilla` is shown on: for printing the
+// fill-in screens and "Form36"; for a correction "mdihematologia",
+// "mdiuroanalisis" and "mdiquimica" for the grids, the others as for
+// printing. Empty for a code without a screen.
+enum class Route { Reprint, Correction };
+QString storedScreenName(int codPlantilla, Route route);
+
+// Shows a stored sheet on its family's screen, read-only (but for the
+// second free-text page), modally, and returns when it is closed. A sheet
+// with no rows, or of no known family, opens nothing. Throws DbError.
+void showStoredSheet(const StoredSheet& sheet, const StoredHeading& heading);
+
+// Opens a stored sheet on its correction screen, modally. `reason` gives
+// the reason chosen at the moment of the save. The correction saved, if
+// one was. Throws DbError.
+std::optional<corrections::Saved> correctStoredSheet(const StoredSheet& sheet,
+                                                     const StoredHeading& heading,
+                                                     const corrections::Target& target,
+                                                     std::function<QString()> reason);
 
 }  // namespace tq::sheets
