@@ -66,6 +66,7 @@ const ScreenEntry kScreenEntries[] = {
     // Form342 places itself and, when the administrator is accepted, opens Form37.
     {"modifval", Opens::Modal, "Form342"},
     {"histcam", Opens::Modal, "historial"},
+    {"valant", Opens::Modal, "valoresanteriores"},
     {"FMIIP", Opens::Modal, "Proveedores"},
     {"FMDIIinsumos", Opens::Modal, "Form16"},
     {"contra", Opens::Modal, "FcambioContrasena"},

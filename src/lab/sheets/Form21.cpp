@@ -11,7 +11,7 @@ Form21::Form21(QWidget* parent)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form21"));
-    attachGrid(ui->pagina, ui->Grid1, ui->Text1, {150, 3700, 1900, 2800, 1800},
+    attachGrid(ui->pagina, ui->Grid1, ui->Text1, kWidths,
                {ui->guardar, ui->imprimir, ui->pdf, ui->pdfArchivo, ui->salir});
 }
 

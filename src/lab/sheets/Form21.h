@@ -15,6 +15,10 @@ public:
     explicit Form21(QWidget* parent = nullptr);
     ~Form21() override;
 
+    // The grid's columns in twips; the correction screen of the family lays
+    // its grid out the same.
+    static inline const QList<int> kWidths = {150, 3700, 1900, 2800, 1800};
+
 private:
     std::unique_ptr<Ui::Form21> ui;
 };

@@ -11,7 +11,7 @@ Form22::Form22(QWidget* parent)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Form22"));
-    attachGrid(ui->pagina, ui->Grid1, ui->Text1, {150, 2300, 1300, 1550, 2300, 1300, 1500},
+    attachGrid(ui->pagina, ui->Grid1, ui->Text1, kWidths,
                {ui->guardar, ui->imprimir, ui->pdf, ui->pdfArchivo, ui->salir});
 }
 

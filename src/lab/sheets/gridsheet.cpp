@@ -125,8 +125,7 @@ void SheetScreen::guardar()
         return;
     }
     if (!m_context) {
-        say(QStringLiteral("Esta hoja no se abrió desde la mesa de trabajo para ningún examen, "
-                           "así que no se guardó nada."));
+        say(notStartedMessage());
         return;
     }
     if (m_saved)
@@ -145,6 +144,12 @@ void SheetScreen::guardar()
         say(QStringLiteral("El resultado ha sido guardado exitosamente"));
     if (m_onSaved)
         m_onSaved(saved);
+}
+
+QString SheetScreen::notStartedMessage() const
+{
+    return QStringLiteral("Esta hoja no se abrió desde la mesa de trabajo para ningún examen, "
+                          "así que no se guardó nada.");
 }
 
 // The sheet typed over replaces the stored one, and the change is logged

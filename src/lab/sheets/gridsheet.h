@@ -110,6 +110,9 @@ protected:
     // The body typed over a stored sheet replaces it. Throws AppError/DbError.
     virtual corrections::Saved storeCorrection(const corrections::Target& target,
                                                const QString& descripcion) = 0;
+    // What "Guardar" says on a sheet opened neither for the work table nor
+    // for a correction.
+    virtual QString notStartedMessage() const;
     // The name the save dialog proposes for the PDF file: the title and the patient.
     QString proposedPdfName() const;
     // The patient's name as the page shows it.
