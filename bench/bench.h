@@ -121,5 +121,6 @@ void addCutPaths(Bench& bench, const Context& context);
 void addLabPaths(Bench& bench, const Context& context);     // the work table (paths_lab.cpp)
 void addSheetPaths(Bench& bench, const Context& context);   // the result sheets (paths_sheets.cpp)
 void addSearchPaths(Bench& bench, const Context& context);
+void addResultPaths(Bench& bench, const Context& context);   // printing and history (paths_results.cpp)
 
 }  // namespace bench

@@ -160,6 +160,7 @@ int main(int argc, char** argv)
         bench::addLabPaths(b, c);
         bench::addSheetPaths(b, c);
         bench::addSearchPaths(b, c);
+        bench::addResultPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();

@@ -33,7 +33,7 @@ namespace {
 
 // Raise when the fill changes, so that stores made by an earlier fill are
 // made again.
-constexpr int kFillVersion = 4;
+constexpr int kFillVersion = 5;
 
 // splitmix64: the same numbers on every machine and standard library.
 class Rng {
@@ -778,6 +778,31 @@ private:
             }
             m_invoices.push_back(inv);
         }
+        regularPatient();
+    }
+
+    // The most regular patient (the first) comes back until about two
+    // hundred of his exams take a result: his history is a long one.
+    void regularPatient()
+    {
+        const int wanted = std::max(2, m_sizes.lines / 5000);
+        const auto results = [this](const PlannedInvoice& inv) {
+            int n = 0;
+            for (int l = inv.firstLine; l < inv.firstLine + inv.lineCount; ++l)
+                n += m_exams[m_lines[l].exam].takesResult ? 1 : 0;
+            return n;
+        };
+        int have = 0;
+        for (const PlannedInvoice& inv : m_invoices)
+            have += inv.patient == 0 ? results(inv) : 0;
+        const int n = int(m_invoices.size());
+        for (int i = 13; i < n && have < wanted; i += 97) {
+            PlannedInvoice& inv = m_invoices[i];
+            if (inv.patient == 0 || m_patients[0].birth > inv.date)
+                continue;
+            inv.patient = 0;
+            have += results(inv);
+        }
     }
 
     // The templates of the sheets that close an invoice's exams, in the
@@ -821,12 +846,17 @@ private:
             sheets += more;
             --withSheets;
         }
-        int sheetTotal = 0;
-        for (int i = withSheets; i < onTable; ++i)
-            if (!m_voided[i])
-                sheetTotal += int(sheetTemplates(m_invoices[i]).size());
-        // The newest sheets are filled but not printed yet.
-        const int firstUnprinted = sheetTotal - std::max(1, m_sizes.sheets / 160) + 1;
+        // The newest sheets are filled but not printed yet: about one line in
+        // two hundred waits in the pending list.
+        int firstUnprinted = onTable;
+        for (int pending = 0; firstUnprinted > withSheets && pending < m_sizes.lines / 200;) {
+            --firstUnprinted;
+            if (m_voided[firstUnprinted])
+                continue;
+            const PlannedInvoice& inv = m_invoices[firstUnprinted];
+            for (int l = inv.firstLine; l < inv.firstLine + inv.lineCount; ++l)
+                pending += m_exams[m_lines[l].exam].takesResult ? 1 : 0;
+        }
 
         Stmt invoice(
             m_db,
@@ -1004,7 +1034,7 @@ private:
                     const auto at
                         = std::find(templatesHere.begin(), templatesHere.end(), exam.plantilla);
                     id = ids[at - templatesHere.begin()];
-                    printed = *id < firstUnprinted;
+                    printed = i < firstUnprinted;
                 }
                 detail.row(number, exam.code, int(line.units),
                            tq::money(amounts[l - inv.firstLine]), done, printed, printed ? 1 : 0,
@@ -1016,6 +1046,42 @@ private:
             }
             for (std::size_t k = 0; k < templatesHere.size(); ++k)
                 writeSheet(cell, number, int(k) + 1, templatesHere[k], ids[k], inv);
+        }
+        changeLog(withSheets, onTable);
+    }
+
+    // The corrections of the last month: a few a day, on sheets of the
+    // invoices just before it. Only the log: the sheets stand as saved.
+    void changeLog(int from, int to)
+    {
+        static const char* const templateNames[] = {"", "Formato en Blanco", "Hematologia",
+                                                    "Uroanalisis", "Quimica Clinica",
+                                                    "Parasitologia", "Formato en Blanco 2"};
+        static const char* const reasons[] = {
+            "El usuario modifico el formato de resultado por Error de Prueba",
+            "Error de digitacion en el resultado",
+            "El medico solicito repetir la prueba",
+            "Se agrego comentario al resultado"};
+        Stmt log(m_db, "INSERT INTO historialcambios (Factura, plantilla, usuario, fecha, "
+                       "descripcion, cod_cambio, tecnico, momento, NumFormato, Cod_Plantilla) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        const QDate first(kLastDay.year(), kLastDay.month(), 1);
+        const int changes = std::max(1, m_sizes.sheets / 160);
+        int code = 0;
+        for (int k = 0; k < changes && to > from; ++k) {
+            const int i = from + m_rng.below(to - from);
+            if (m_voided[i])
+                continue;
+            const std::vector<int> templatesHere = sheetTemplates(m_invoices[i]);
+            if (templatesHere.empty())
+                continue;
+            const int sheet = m_rng.below(int(templatesHere.size()));
+            const QDate day = std::max(m_invoices[i].date, first.addDays(m_rng.below(first.daysInMonth())));
+            const QDateTime when(day, QTime(7 + m_rng.below(11), m_rng.below(60)));
+            log.row(i + 1, S(templateNames[templatesHere[sheet]]), QStringLiteral("admin"), day,
+                    S(m_rng.pick(reasons)), ++code,
+                    m_technicians[m_rng.below(int(m_technicians.size()))], when, sheet + 1,
+                    templatesHere[sheet]);
         }
     }
 
