@@ -98,10 +98,9 @@ void showStoredSheet(const StoredSheet& sheet, const StoredHeading& heading)
     prompts().showModal(screen);
 }
 
-std::optional<corrections::Saved> correctStoredSheet(const StoredSheet& sheet,
-                                                     const StoredHeading& heading,
-                                                     const corrections::Target& target,
-                                                     std::function<QString()> reason)
+std::optional<corrections::Saved> correctStoredSheet(
+    const StoredSheet& sheet, const StoredHeading& heading, const corrections::Target& target,
+    std::function<QString()> reason, const std::function<void(QWidget*)>& opened)
 {
     SheetScreen* screen = makeStoredScreen(sheet, Route::Correction);
     if (!screen)
@@ -114,6 +113,8 @@ std::optional<corrections::Saved> correctStoredSheet(const StoredSheet& sheet,
         delete screen;
         throw;
     }
+    if (opened)
+        opened(screen);
     prompts().showModal(screen);
     return saved;
 }

@@ -7,6 +7,8 @@
 #include "lab/sheets.h"
 
 #include <functional>
+
+class QWidget;
 #include <optional>
 
 namespace tq::sheets {
@@ -50,11 +52,12 @@ QString storedScreenName(int codPlantilla, Route route);
 void showStoredSheet(const StoredSheet& sheet, const StoredHeading& heading);
 
 // Opens a stored sheet on its correction screen, modally. `reason` gives
-// the reason chosen at the moment of the save. The correction saved, if
-// one was. Throws DbError.
-std::optional<corrections::Saved> correctStoredSheet(const StoredSheet& sheet,
-                                                     const StoredHeading& heading,
-                                                     const corrections::Target& target,
-                                                     std::function<QString()> reason);
+// the reason chosen at the moment of the save; `opened` is handed the
+// screen before it shows (a window of the caller's that must stay usable
+// beside a modal screen has to stand on it). The correction saved, if one
+// was. Throws DbError.
+std::optional<corrections::Saved> correctStoredSheet(
+    const StoredSheet& sheet, const StoredHeading& heading, const corrections::Target& target,
+    std::function<QString()> reason, const std::function<void(QWidget*)>& opened = {});
 
 }  // namespace tq::sheets

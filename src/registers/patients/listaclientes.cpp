@@ -86,7 +86,18 @@ void listaclientes::choose()
                           Icon::Exclamation);
         return;
     }
-    if (m_chosen)
+    if (m_chosen) {
         m_chosen(*patient);
-    close();
+        close();
+        return;
+    }
+    // Opened on its own, the list leads to the blank hematology format for
+    // the patient chosen.
+    hide();
+    struct CloseAfter {
+        QWidget* w;
+        ~CloseAfter() { w->close(); }
+    } closeAfter{this};
+    openModal(QStringLiteral("datosimprimir"),
+              [name = patient->name](QWidget* w) { w->setProperty("nombre", name); });
 }

@@ -1,6 +1,8 @@
 #pragma once
 // The plain list of every patient by name: "code<TAB>nombre, apellido".
-// A double click or Enter chooses.
+// A double click or Enter chooses: the patient goes to the caller waiting
+// for one, or, when the list was opened on its own, to a new blank
+// hematology format ("datosimprimir", its property "nombre").
 #include "registers/pickers.h"
 
 #include <QWidget>
