@@ -15,6 +15,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QTimer>
+#include <QWindow>
 #include <algorithm>
 
 TQ_REGISTER_SCREEN(Form37)
@@ -24,13 +25,18 @@ using namespace tq::results;
 
 namespace {
 
-// The reason window at the right of the sheet, inside the display.
-void putBeside(QWidget* reason, const QWidget* sheet)
+// The reason window at the right of the sheet, inside the display; where
+// both don't fit side by side the sheet moves left first.
+void putBeside(QWidget* reason, QWidget* sheet)
 {
-    const QRect s = sheet->frameGeometry();
     const QScreen* screen = sheet->screen();
-    const QRect room = screen ? screen->availableGeometry() : s;
+    const QRect room = screen ? screen->availableGeometry() : sheet->frameGeometry();
     const QSize size = reason->frameGeometry().size();
+    const int overflow = sheet->frameGeometry().right() + 1 + size.width() - (room.right() + 1);
+    if (overflow > 0)
+        sheet->move(std::max(room.left(), sheet->frameGeometry().left() - overflow),
+                    sheet->frameGeometry().top());
+    const QRect s = sheet->frameGeometry();
     const int x = std::max(room.left(), std::min(s.right() + 1, room.right() + 1 - size.width()));
     const int y = std::max(room.top(), std::min(s.top(), room.bottom() + 1 - size.height()));
     reason->move(x, y);
@@ -74,10 +80,19 @@ void Form37::open(const ListedSheet& listed)
     // The sheet opens modally, which leaves usable only the windows that
     // stand on it: the reason window moves onto the sheet, at its right,
     // and goes with it.
-    const auto standOnSheet = [reason](QWidget* screen) {
+    const auto standOnSheet = [this, reason](QWidget* screen) {
         if (!reason)
             return;
+        // Both windows exist before the sheet shows, each known to stand on
+        // the one before it (sheet on this list, reason on the sheet), for
+        // the window system and for the modal sheet, which blocks every
+        // window but those standing on it.
+        screen->winId();
+        if (QWindow* list = window()->windowHandle())
+            screen->windowHandle()->setTransientParent(list);
         reason->setParent(screen, reason->windowFlags());
+        reason->winId();
+        reason->windowHandle()->setTransientParent(screen->windowHandle());
         reason->show();
         QTimer::singleShot(0, reason, [reason, sheet = QPointer<QWidget>(screen)] {
             if (reason && sheet)
