@@ -123,4 +123,9 @@ void addSheetPaths(Bench& bench, const Context& context);   // the result sheets
 void addSearchPaths(Bench& bench, const Context& context);
 void addResultPaths(Bench& bench, const Context& context);   // printing and history (paths_results.cpp)
 
+// The floor of laying a hematology version out: its parameters in order, the
+// catalogue rows of their names (the first of each), the normal values of
+// those found; the names that land on the sheet (paths_sheets.cpp).
+qint64 hematologyNamesBare(Connection* db, int version);
+
 }  // namespace bench

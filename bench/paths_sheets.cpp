@@ -18,6 +18,53 @@
 
 namespace bench {
 
+// The names of a hematology version that land on the sheet, read as the
+// rebuilt sheet reads them: the template, the catalogue rows of its names,
+// their normal values.
+qint64 hematologyNamesBare(Connection* db, int version)
+{
+    Stmt params(db, "SELECT PlantillaParametro.Cod_Plantilla, PlantillaParametro.cod_Parametro, "
+                    "parametros.Parametro, parametros.Cod_Parametro, PlantillaParametro.version, "
+                    "PlantillaParametro.orden FROM parametros, PlantillaParametro "
+                    "WHERE parametros.cod_Parametro = PlantillaParametro.cod_Parametro "
+                    "AND PlantillaParametro.Cod_Plantilla = ? AND PlantillaParametro.version = ? "
+                    "ORDER BY PlantillaParametro.orden");
+    params.bind(1, tq::kHematologia);
+    params.bind(2, version);
+    QStringList names;
+    while (params.next())
+        names << params.columnText(2);
+    QStringList wanted;
+    for (int i = 0; i < names.size() && i < 22; ++i)
+        if (names.at(i) != tq::kLineBreakParameter && !wanted.contains(names.at(i)))
+            wanted << names.at(i);
+    if (wanted.isEmpty())
+        return 0;
+    Stmt byName(db, QStringLiteral("SELECT cod_parametro, parametro, unidad FROM parametros "
+                                   "WHERE parametro IN (%1) ORDER BY cod_parametro")
+                        .arg(QStringList(wanted.size(), QStringLiteral("?")).join(", ")));
+    for (int i = 0; i < wanted.size(); ++i)
+        byName.bind(i + 1, wanted.at(i));
+    QHash<QString, int> codeOf;
+    while (byName.next())
+        if (!codeOf.contains(byName.columnText(1)))
+            codeOf.insert(byName.columnText(1), byName.columnInt(0));
+    qint64 placed = 0;
+    for (int i = 0; i < names.size() && i < 22; ++i)
+        placed += codeOf.contains(names.at(i)) ? 1 : 0;
+    if (!codeOf.isEmpty()) {
+        Stmt normals(db, QStringLiteral("SELECT cod_parametro, cod_sexo, valor_normal FROM "
+                                        "valparametros WHERE cod_parametro IN (%1) "
+                                        "ORDER BY cod_parametro, cod_sexo")
+                             .arg(QStringList(codeOf.size(), QStringLiteral("?")).join(", ")));
+        int at = 0;
+        for (int code : codeOf)
+            normals.bind(++at, code);
+        normals.readAll();
+    }
+    return placed;
+}
+
 namespace {
 
 constexpr int kHematologia = 2;
@@ -36,47 +83,7 @@ qint64 placedNames(Connection* db)
     int v = 0;
     while (version.next())
         v = version.columnInt(0);
-    Stmt params(db, "SELECT PlantillaParametro.Cod_Plantilla, PlantillaParametro.cod_Parametro, "
-                    "parametros.Parametro, parametros.Cod_Parametro, PlantillaParametro.version, "
-                    "PlantillaParametro.orden FROM parametros, PlantillaParametro "
-                    "WHERE parametros.cod_Parametro = PlantillaParametro.cod_Parametro "
-                    "AND PlantillaParametro.Cod_Plantilla = ? AND PlantillaParametro.version = ? "
-                    "ORDER BY PlantillaParametro.orden");
-    params.bind(1, kHematologia);
-    params.bind(2, v);
-    QStringList names;
-    while (params.next())
-        names << params.columnText(2);
-    // The catalogue rows of the names (the first of each name), then the
-    // normal values of those found: the two reads the sheet makes.
-    QStringList wanted;
-    for (int i = 0; i < names.size() && i < 22; ++i)
-        if (names.at(i) != tq::kLineBreakParameter && !wanted.contains(names.at(i)))
-            wanted << names.at(i);
-    QStringList marks(wanted.size(), QStringLiteral("?"));
-    Stmt byName(db, QStringLiteral("SELECT cod_parametro, parametro, unidad FROM parametros "
-                                   "WHERE parametro IN (%1) ORDER BY cod_parametro")
-                        .arg(marks.join(", ")));
-    for (int i = 0; i < wanted.size(); ++i)
-        byName.bind(i + 1, wanted.at(i));
-    QHash<QString, int> codeOf;
-    while (byName.next())
-        if (!codeOf.contains(byName.columnText(1)))
-            codeOf.insert(byName.columnText(1), byName.columnInt(0));
-    qint64 placed = 0;
-    for (int i = 0; i < names.size() && i < 22; ++i)
-        placed += codeOf.contains(names.at(i)) ? 1 : 0;
-    QStringList codeMarks(codeOf.size(), QStringLiteral("?"));
-    Stmt normals(db, QStringLiteral("SELECT cod_parametro, cod_sexo, valor_normal FROM "
-                                    "valparametros WHERE cod_parametro IN (%1) "
-                                    "ORDER BY cod_parametro, cod_sexo")
-                         .arg(codeMarks.join(", ")));
-    int at = 0;
-    for (int code : codeOf)
-        normals.bind(++at, code);
-    while (normals.next()) {
-    }
-    return placed;
+    return hematologyNamesBare(db, v);
 }
 
 qint64 floorOpening(Connection* db, int invoice)

@@ -48,11 +48,6 @@ corrections::Target targetOf(std::int32_t factura, std::int32_t numFormato, int 
     return {factura, numFormato, code, sheetTitle(code), "admin", "ana"};
 }
 
-void clickCell(FlexGrid* g, int row, int col)
-{
-    const QRect r = g->visualRect(g->model()->index(row - 1, col));
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
-}
 
 // The invoice's result rows: celda=valor=NumFormato=version=format id.
 QStringList stored(std::int32_t factura)

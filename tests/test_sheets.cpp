@@ -79,11 +79,6 @@ GridSheet* startSheet(const QString& name, const Billed& b, QList<SavedSheet>* s
     return sheet;
 }
 
-void clickCell(FlexGrid* g, int row, int col)
-{
-    const QRect r = g->visualRect(g->model()->index(row - 1, col));
-    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
-}
 
 // A click on the cell, then the text typed key by key.
 void enter(FlexGrid* g, int row, int col, const QString& text)

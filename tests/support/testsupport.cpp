@@ -383,6 +383,12 @@ void clickRow(QTableView* grid, int modelRow)
 
 void clickGridRow(FlexGrid* g, int row) { clickRow(g, row - 1); }
 
+void clickCell(FlexGrid* g, int row, int col)
+{
+    const QRect r = g->visualRect(g->model()->index(row - 1, col));
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, r.center());
+}
+
 QStringList column(FlexGrid* g, int col)
 {
     QStringList out;

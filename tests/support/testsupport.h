@@ -140,6 +140,8 @@ QByteArray bytesOf(const QString& file);
 void clickRow(QTableView* grid, int modelRow);
 // The same on a flex grid, whose data rows count from 1.
 void clickGridRow(FlexGrid* g, int row);
+// A click on one cell of a flex grid (row 1 is the first below the header).
+void clickCell(FlexGrid* g, int row, int col);
 // The texts of a flex grid column, data rows only; the row (from 1) holding `text`, or -1.
 QStringList column(FlexGrid* g, int col);
 int findRow(FlexGrid* g, int col, const QString& text);

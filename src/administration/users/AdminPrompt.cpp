@@ -78,15 +78,9 @@ void AdminPrompt::aceptar()
         prompts().message(refusal());
         return;
     }
-    // Out of sight first, gone once the next screen is done: the screen
-    // opened next is modal, and this prompt's own caller waits for it to close.
-    // If the next screen fails to open, the prompt still goes.
-    hide();
-    struct CloseAfter {
-        QWidget* w;
-        ~CloseAfter() { w->close(); }
-    } closeAfter{this};
-    granted();
+    // The screen opened next is modal, and this prompt's own caller waits
+    // for it to close; if it fails to open, the prompt still goes.
+    handOver(this, [this] { granted(); });
 }
 
 Form11::Form11(QWidget* parent) : AdminPrompt(QStringLiteral("Form11"), parent) {}

@@ -306,6 +306,16 @@ void FlexGrid::setColWidth(int col, int twipsWidth)
     updateGeometry();
 }
 
+void FlexGrid::setColumns(std::initializer_list<Column> columns)
+{
+    setCols(int(columns.size()));
+    int c = 0;
+    for (const Column& column : columns) {
+        setTextMatrix(0, c, QString::fromUtf8(column.header));
+        setColWidth(c++, column.twips);
+    }
+}
+
 QSize FlexGrid::sizeHint() const { return gridSizeHint(this, QTableView::sizeHint()); }
 
 void FlexGrid::setColumnScale(double scale)

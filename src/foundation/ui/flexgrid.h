@@ -101,6 +101,13 @@ public:
 
     // Width in twips; 0 hides the column, whose texts stay readable.
     void setColWidth(int col, int twipsWidth);
+    // A list's columns at once: as many as given, each its header and width
+    // in twips.
+    struct Column {
+        const char* header;
+        int twips;
+    };
+    void setColumns(std::initializer_list<Column> columns);
     // The width last given in twips, or -1 when never given.
     int colWidth(int col) const;
     // Every column drawn at this share of its width (1 by default): a grid

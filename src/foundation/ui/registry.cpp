@@ -4,6 +4,8 @@
 #include "foundation/ui/prompt.h"
 
 #include <QMap>
+#include <QPointer>
+#include <QScopeGuard>
 #include <QWidget>
 
 namespace tq {
@@ -82,6 +84,17 @@ QStringList ScreenRegistry::names() const
             if (!out.contains(n))
                 out << n;
     return out;
+}
+
+void handOver(QWidget* from, const std::function<void()>& next)
+{
+    from->hide();
+    const QPointer<QWidget> closing(from);
+    const auto closeAfter = qScopeGuard([&closing] {
+        if (closing)
+            closing->close();
+    });
+    next();
 }
 
 void notBuiltNotice(const QString& name)

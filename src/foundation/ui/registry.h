@@ -38,6 +38,11 @@ private:
 // new screen before it is shown (a caller setting a field first).
 void openModal(const QString& name, const std::function<void(QWidget*)>& prepare = {});
 
+// A screen that leads to a modal one steps aside for it: `from` is hidden,
+// `next` runs (it opens the modal screen and returns when that closes), and
+// `from` closes then, even when `next` fails.
+void handOver(QWidget* from, const std::function<void()>& next);
+
 // The notice for a menu entry whose screen is not built yet.
 void notBuiltNotice(const QString& name);
 

@@ -24,19 +24,6 @@ namespace {
 enum Col { Factura, Fecha, CodExamen, Examen, Tecnico, FechaResultado, Impresiones, CodPaciente,
            Id, Cols };
 
-struct Column {
-    const char* header;
-    int width;   // twips
-};
-const Column kColumns[Cols] = {{"FACTURA", 1000}, {"FECHA", 1500},     {"COD EXAMEN", 0},
-                               {"EXAMEN", 4000},  {"TECNICO", 2000},   {"FECHA RESULTADO", 1500},
-                               {"IMPRESIONES", 0}, {"cod paciente", 0}, {"Id", 0}};
-
-QString dateText(const QVariant& v)
-{
-    const QDate d = storedDate(v);
-    return d.isValid() ? dateLong(d) : QString();
-}
 
 // A row never printed stands out: every cell green and bold.
 void markUnprinted(FlexGrid* g, int row, bool unprinted)
@@ -111,12 +98,15 @@ void FHistorial::showEvent(QShowEvent* event)
 
 void FHistorial::configurargrid()
 {
-    FlexGrid* g = ui->Grid1;
-    g->setCols(Cols);
-    for (int c = 0; c < Cols; ++c) {
-        g->setTextMatrix(0, c, QLatin1String(kColumns[c].header));
-        g->setColWidth(c, kColumns[c].width);
-    }
+    ui->Grid1->setColumns({{"FACTURA", 1000},
+                           {"FECHA", 1500},
+                           {"COD EXAMEN", 0},
+                           {"EXAMEN", 4000},
+                           {"TECNICO", 2000},
+                           {"FECHA RESULTADO", 1500},
+                           {"IMPRESIONES", 0},
+                           {"cod paciente", 0},
+                           {"Id", 0}});
 }
 
 void FHistorial::cargar()
@@ -138,7 +128,7 @@ void FHistorial::cargar()
     QVector<bool> unprinted(n);
     for (int r = 0; r < n; ++r) {
         columns[Factura] << rs.valueAt(r, 0).toString();
-        columns[Fecha] << dateText(rs.valueAt(r, 1));
+        columns[Fecha] << dateLong(storedDate(rs.valueAt(r, 1)));
         columns[CodPaciente] << rs.valueAt(r, 2).toString();
         columns[CodExamen] << rs.valueAt(r, 3).toString();
         columns[Id] << rs.valueAt(r, 4).toString();
@@ -147,7 +137,7 @@ void FHistorial::cargar()
         columns[Impresiones] << printed.toString();
         unprinted[r] = !(printed.toInt() > 0);
         columns[Tecnico] << rs.valueAt(r, 7).toString();
-        columns[FechaResultado] << dateText(rs.valueAt(r, 8));
+        columns[FechaResultado] << dateLong(storedDate(rs.valueAt(r, 8)));
     }
     g->setRows(n + 1);
     for (int c = 0; c < Cols; ++c)

@@ -24,19 +24,6 @@ namespace {
 enum Col { Factura, Fecha, Paciente, CodExamen, Examen, Tecnico, FechaResultado, CodPaciente,
            IdFormato, Cols };
 
-struct Column {
-    const char* header;
-    int width;   // twips
-};
-const Column kColumns[Cols] = {{"FACTURA", 1000},        {"FECHA", 1500},   {"PACIENTE", 3000},
-                               {"COD EXAMEN", 500},      {"EXAMEN", 3000},  {"TECNICO", 1500},
-                               {"FECHA RESULTADO", 1500}, {"COD PACIENTE", 0}, {"ID FORMATO", 0}};
-
-QString dateText(const QVariant& v)
-{
-    const QDate d = storedDate(v);
-    return d.isValid() ? dateLong(d) : QString();
-}
 
 }  // namespace
 
@@ -108,12 +95,15 @@ QString FImpresionResult::patientSql()
 
 void FImpresionResult::configurargrid()
 {
-    FlexGrid* g = ui->Grid1;
-    g->setCols(Cols);
-    for (int c = 0; c < Cols; ++c) {
-        g->setTextMatrix(0, c, QLatin1String(kColumns[c].header));
-        g->setColWidth(c, kColumns[c].width);
-    }
+    ui->Grid1->setColumns({{"FACTURA", 1000},
+                           {"FECHA", 1500},
+                           {"PACIENTE", 3000},
+                           {"COD EXAMEN", 500},
+                           {"EXAMEN", 3000},
+                           {"TECNICO", 1500},
+                           {"FECHA RESULTADO", 1500},
+                           {"COD PACIENTE", 0},
+                           {"ID FORMATO", 0}});
 }
 
 // The patient's labels and name emptied, no patient or invoice held.
@@ -149,14 +139,14 @@ void FImpresionResult::consultar()
         c.reserve(n);
     for (int r = 0; r < n; ++r) {
         columns[Factura] << rs.valueAt(r, 0).toString();
-        columns[Fecha] << dateText(rs.valueAt(r, 1));
+        columns[Fecha] << dateLong(storedDate(rs.valueAt(r, 1)));
         columns[CodPaciente] << rs.valueAt(r, 2).toString();
         columns[Paciente] << rs.valueAt(r, 3).toString() + QLatin1Char(' ')
                                  + rs.valueAt(r, 4).toString();
         columns[CodExamen] << rs.valueAt(r, 5).toString();
         columns[Examen] << rs.valueAt(r, 6).toString();
         columns[Tecnico] << rs.valueAt(r, 7).toString();
-        columns[FechaResultado] << dateText(rs.valueAt(r, 8));
+        columns[FechaResultado] << dateLong(storedDate(rs.valueAt(r, 8)));
         columns[IdFormato] << rs.valueAt(r, 9).toString();
     }
     g->setRows(n + 1);
@@ -217,7 +207,7 @@ bool FImpresionResult::showPatient(std::int32_t code)
     if (rs.recordCount() == 0)
         return false;
     ui->Label6->setText(rs.text(QStringLiteral("sexo")));
-    ui->Label7->setText(dateText(rs.field(QStringLiteral("fecha_nacimiento"))));
+    ui->Label7->setText(dateLong(storedDate(rs.field(QStringLiteral("fecha_nacimiento")))));
     ui->Label8->setText(rs.text(QStringLiteral("direccion_paciente")));
     ui->Label9->setText(rs.text(QStringLiteral("tel_paciente")) + QStringLiteral(" / ")
                         + rs.text(QStringLiteral("cel_paciente")));

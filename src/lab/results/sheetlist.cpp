@@ -13,18 +13,6 @@
 
 namespace tq::results {
 
-namespace {
-
-struct Column {
-    const char* header;
-    int width;   // twips
-};
-// Column 3 is one twip wide: it carries the sheet number out of sight.
-constexpr Column kColumns[] = {
-    {"", 300}, {"FORMATO", 1000}, {"FORMATO DE EXAMEN", 2500}, {"HISTORIAL", 1}};
-
-}  // namespace
-
 InvoiceSheetList::InvoiceSheetList(QWidget* parent) : QWidget(parent, Qt::Window) {}
 
 std::optional<std::int32_t> InvoiceSheetList::invoiceOf(const QString& typed)
@@ -60,11 +48,8 @@ void InvoiceSheetList::configurargrid()
 {
     m_grid->clear();
     m_grid->setRows(1);
-    m_grid->setCols(int(std::size(kColumns)));
-    for (int c = 0; c < int(std::size(kColumns)); ++c) {
-        m_grid->setTextMatrix(0, c, QString::fromUtf8(kColumns[c].header));
-        m_grid->setColWidth(c, kColumns[c].width);
-    }
+    // Column 3 is one twip wide: it carries the sheet number out of sight.
+    m_grid->setColumns({{"", 300}, {"FORMATO", 1000}, {"FORMATO DE EXAMEN", 2500}, {"HISTORIAL", 1}});
 }
 
 void InvoiceSheetList::requery()

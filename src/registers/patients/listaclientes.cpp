@@ -93,11 +93,8 @@ void listaclientes::choose()
     }
     // Opened on its own, the list leads to the blank hematology format for
     // the patient chosen.
-    hide();
-    struct CloseAfter {
-        QWidget* w;
-        ~CloseAfter() { w->close(); }
-    } closeAfter{this};
-    openModal(QStringLiteral("datosimprimir"),
-              [name = patient->name](QWidget* w) { w->setProperty("nombre", name); });
+    handOver(this, [name = patient->name] {
+        openModal(QStringLiteral("datosimprimir"),
+                  [name](QWidget* w) { w->setProperty("nombre", name); });
+    });
 }
