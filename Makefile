@@ -1,7 +1,7 @@
 # Set-up and build in one step on a fresh Debian machine.
 BUILD ?= build
 JOBS  ?= $(shell nproc)
-PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils \
+PKGS  := cmake ninja-build g++ make qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libsqlite3-dev libgl-dev libsodium-dev pkg-config poppler-utils qt6-translations-l10n \
          postgresql postgresql-client libqt6sql6-psql libpq-dev
 
 .PHONY: all deps configure build run test bench mutantes clean

@@ -196,6 +196,10 @@ private slots:
             QVERIFY2((versions->cellBackColor(row, col) == valoresanteriores::changedColour())
                          == marked,
                      qPrintable(where));
+            // ...and said in words to a screen reader.
+            const QModelIndex cell = versions->model()->index(row - 1, col);
+            QVERIFY2(cell.data(Qt::AccessibleDescriptionRole).toString().isEmpty() != marked,
+                     qPrintable(where));
         }
         QCOMPARE(versions->textMatrix(b2, 4), QString("41"));
 

@@ -10,7 +10,8 @@ TQ_DECLARE_REPORT(DataReport22)
     Layout l = layoutOn(Paper::LetterLandscape, QStringLiteral("rsrepcambios"),
                         QStringLiteral("Historial de Cambios"));
     const double w = bandWidth(l);
-    const Table changes({{QStringLiteral("FACTURA:"), QStringLiteral("Factura"), 22, Format::Whole},
+    // The invoice stands at the left of its column, clear of the template's name.
+    const Table changes({{QStringLiteral("FACTURA:"), QStringLiteral("Factura"), 22},
                          {QStringLiteral("PLANTILLA:"), QStringLiteral("plantilla"), 45},
                          {QStringLiteral("USUARIO:"), QStringLiteral("usuario"), 35},
                          {QStringLiteral("FECHA:"), QStringLiteral("fecha"), 25, Format::Date},

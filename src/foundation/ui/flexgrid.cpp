@@ -51,6 +51,11 @@ QVariant FlexGridModel::roleOf(int row, int col, int role) const
             return f;
         }
         return {};
+    case Qt::ToolTipRole:
+    case Qt::AccessibleDescriptionRole:
+        if (const auto it = m_notes.constFind(key(row, col)); it != m_notes.cend())
+            return *it;
+        return {};
     default:
         return {};
     }
@@ -112,7 +117,7 @@ void FlexGridModel::setCols(int n)
     wanted > had ? endInsertColumns() : endRemoveColumns();
 }
 
-// Colours and bold of cells no longer in the grid go with them.
+// Colours, bold and notes of cells no longer in the grid go with them.
 void FlexGridModel::dropOutside()
 {
     const auto outside = [this](quint64 k) {
@@ -120,6 +125,7 @@ void FlexGridModel::dropOutside()
     };
     m_back.removeIf([&](const auto& it) { return outside(it.key()); });
     m_bold.removeIf([&](const auto& it) { return outside(it.key()); });
+    m_notes.removeIf([&](const auto& it) { return outside(it.key()); });
 }
 
 QString FlexGridModel::text(int row, int col) const
@@ -191,6 +197,11 @@ void FlexGridModel::setBold(int row, int col, bool bold)
     mark(m_bold, row, col, bold, true);
 }
 
+void FlexGridModel::setNote(int row, int col, const QString& note)
+{
+    mark(m_notes, row, col, !note.isEmpty(), note);
+}
+
 bool FlexGridModel::bold(int row, int col) const
 {
     check(row, col);
@@ -206,6 +217,7 @@ void FlexGridModel::clearAll()
         std::fill(column.begin(), column.end(), QString());
     m_back.clear();
     m_bold.clear();
+    m_notes.clear();
     endResetModel();
 }
 

@@ -45,6 +45,7 @@ public:
     QColor backColor(int row, int col) const;
     void setBold(int row, int col, bool bold);
     bool bold(int row, int col) const;
+    void setNote(int row, int col, const QString& note);
     void clearAll();
 
 private:
@@ -61,6 +62,7 @@ private:
     QVector<QStringList> m_columns;   // one per column, m_dataRows texts each
     QHash<quint64, QColor> m_back;
     QHash<quint64, bool> m_bold;
+    QHash<quint64, QString> m_notes;
 };
 
 class FlexGrid : public QTableView {
@@ -98,6 +100,9 @@ public:
     QColor cellBackColor(int row, int col) const { return m_model->backColor(row, col); }
     void setCellFontBold(int row, int col, bool bold) { m_model->setBold(row, col, bold); }
     bool cellFontBold(int row, int col) const { return m_model->bold(row, col); }
+    // What a colour or bold means, in words: read by a screen reader and shown
+    // as the cell's tip. Empty takes it off.
+    void setCellNote(int row, int col, const QString& note) { m_model->setNote(row, col, note); }
 
     // Width in twips; 0 hides the column, whose texts stay readable.
     void setColWidth(int col, int twipsWidth);

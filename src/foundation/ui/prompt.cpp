@@ -9,9 +9,12 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPointer>
 #include <QScreen>
+#include <QTranslator>
 #include <QWidget>
 
 namespace tq {
@@ -41,6 +44,23 @@ PromptService* installPrompts(PromptService* service)
     PromptService* old = g_service;
     g_service = service;
     return old;
+}
+
+// Qt's own dialogs (files, the printer) speak Spanish. Their texts are
+// loaded the first time one opens, not at start-up; without Qt's Spanish
+// catalogue on the machine they stay as Qt has them.
+static void speakSpanish()
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    auto* texts = new QTranslator(qApp);
+    if (texts->load(QLocale(QLocale::Spanish), QStringLiteral("qtbase"), QStringLiteral("_"),
+                    QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(texts);
+    else
+        delete texts;
 }
 
 static QWidget* activeParent()
@@ -106,6 +126,7 @@ std::optional<QString> QtPromptService::input(const QString& prompt, const QStri
 QString QtPromptService::openFile(const QString& caption, const QString& folder,
                                   const QString& filter)
 {
+    speakSpanish();
     return QFileDialog::getOpenFileName(activeParent(), caption, folder, filter);
 }
 
@@ -114,6 +135,7 @@ QString QtPromptService::saveFile(const QString& caption, const QString& propose
 {
     // The store's suffix is added by the caller, so the dialog must not
     // replace or question the name typed.
+    speakSpanish();
     return QFileDialog::getSaveFileName(activeParent(), caption, proposed, filter, nullptr,
                                         QFileDialog::DontConfirmOverwrite);
 }
@@ -153,6 +175,7 @@ bool QtPromptService::print(const PaintPages& paint, const QString& title)
         message(problem, Icon::Critical, QString::fromLatin1(kAppTitle), Buttons::Ok);
         return false;
     }
+    speakSpanish();
     return g_printEntry(activeParent(), title, paint);
 }
 

@@ -48,8 +48,9 @@ void InvoiceSheetList::configurargrid()
 {
     m_grid->clear();
     m_grid->setRows(1);
-    // Column 3 is one twip wide: it carries the sheet number out of sight.
-    m_grid->setColumns({{"", 300}, {"FORMATO", 1000}, {"FORMATO DE EXAMEN", 2500}, {"HISTORIAL", 1}});
+    // Column 3 carries the sheet number out of sight (one twip wide, it
+    // showed as a sliver of its header: hidden, its texts stay readable).
+    m_grid->setColumns({{"", 300}, {"FORMATO", 1000}, {"FORMATO DE EXAMEN", 2500}, {"HISTORIAL", 0}});
 }
 
 void InvoiceSheetList::requery()

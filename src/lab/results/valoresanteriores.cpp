@@ -206,6 +206,8 @@ void valoresanteriores::showVersions(int codPlantilla, const QString& plantilla)
             const bool changed = m_versions.changed.at(i).value(v);
             g->setCellFontBold(r, col, changed);
             g->setCellBackColor(r, col, changed ? changedColour() : QColor());
+            g->setCellNote(r, col, changed ? QStringLiteral("Cambió respecto de la versión anterior")
+                                           : QString());
         }
     }
     ui->Label3->setText(QStringLiteral("Valores de la boleta: %1").arg(plantilla));
