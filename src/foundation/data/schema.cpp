@@ -556,8 +556,41 @@ void syncCounter(const QSqlDatabase& db, const QString& table)
 
 void syncCounters(const QSqlDatabase& db)
 {
-    for (const Table& t : tables())
-        syncCounter(db, QString::fromLatin1(t.name));
+    if (!db.driverName().startsWith(QLatin1String("QPSQL")))
+        return;
+    // Every counter in two round trips, as a store opens: the sequences
+    // behind them, then each moved past its table's highest key.
+    QStringList tablesWith, columns, named;
+    for (const Table& t : tables()) {
+        const QString column = counterColumn(QString::fromLatin1(t.name)).toLower();
+        if (column.isEmpty())
+            continue;
+        tablesWith << QString::fromLatin1(t.name).toLower();
+        columns << column;
+        named << QStringLiteral("pg_get_serial_sequence('%1', '%2')")
+                     .arg(tablesWith.last(), column);
+    }
+    if (named.isEmpty())
+        return;
+    const QString failure = QStringLiteral("No se pudieron poner al día los contadores.");
+    QSqlQuery sequences = run(db, QStringLiteral("SELECT ") + named.join(QStringLiteral(", ")), {},
+                              failure);
+    if (!sequences.next())
+        return;
+    QStringList moves;
+    for (int i = 0; i < tablesWith.size(); ++i) {
+        const QString sequence = sequences.value(i).toString();
+        if (sequence.isEmpty())
+            continue;
+        // Never backwards, as the embedded store's counters.
+        moves << QStringLiteral("setval('%3', GREATEST(COALESCE((SELECT MAX(%2) FROM %1), 0), "
+                                "(SELECT CASE WHEN is_called THEN last_value ELSE last_value - 1 "
+                                "END FROM %3)) + 1, false)")
+                     .arg(tablesWith.at(i), columns.at(i), sequence);
+    }
+    sequences.finish();
+    if (!moves.isEmpty())
+        run(db, QStringLiteral("SELECT ") + moves.join(QStringLiteral(", ")), {}, failure);
 }
 
 bool isEmpty(const QSqlDatabase& db)
