@@ -237,6 +237,13 @@ private slots:
             QVERIFY(blocking.blocked.contains("Form37"));
             QVERIFY(!blocking.blocked.contains("menucambio"));
 
+            // The reason comes first for the keyboard; F6 goes back and forth.
+            QTRY_COMPARE(QApplication::focusWidget(), combo);
+            QTest::keyClick(combo, Qt::Key_F6);
+            QTRY_VERIFY(w->isActiveWindow());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+            QTRY_COMPARE(QApplication::focusWidget(), combo);
+
             pickEntry(combo, "Error de Prueba");
             QCOMPARE(text->toPlainText(), kReasonPrefix + "Error de Prueba");
             QCOMPARE(trigger(w, "guardar", sp), QStringList{corrections::kCorrected});

@@ -13,10 +13,12 @@
 
 #include <QPointer>
 #include <QScopeGuard>
+#include <QShortcut>
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
+#include <functional>
 
 TQ_REGISTER_SCREEN(Form37)
 
@@ -41,6 +43,33 @@ void putBeside(QWidget* reason, QWidget* sheet)
     const int y = std::max(room.top(), std::min(s.top(), room.bottom() + 1 - size.height()));
     reason->move(x, y);
 }
+
+// Runs once, when `window` first becomes the active window (after the
+// window system has given it the keyboard).
+class FirstActivation : public QObject {
+public:
+    FirstActivation(QWidget* window, std::function<void()> then)
+        : QObject(window), m_then(std::move(then))
+    {
+        window->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::WindowActivate) {
+            watched->removeEventFilter(this);
+            QTimer::singleShot(0, this, [this] {
+                m_then();
+                deleteLater();
+            });
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> m_then;
+};
 
 }  // namespace
 
@@ -94,9 +123,20 @@ void Form37::open(const ListedSheet& listed)
         reason->winId();
         reason->windowHandle()->setTransientParent(screen->windowHandle());
         reason->show();
+        // The reason comes first, and F6 goes from one window to the other,
+        // so that the keyboard reaches both.
         QTimer::singleShot(0, reason, [reason, sheet = QPointer<QWidget>(screen)] {
             if (reason && sheet)
                 putBeside(reason, sheet);
+        });
+        new FirstActivation(screen, [reason] {
+            if (reason)
+                reason->takeFocus();
+        });
+        new QShortcut(QKeySequence(Qt::Key_F6), screen, reason.data(), [reason] { reason->takeFocus(); });
+        new QShortcut(QKeySequence(Qt::Key_F6), reason.data(), screen, [screen] {
+            screen->raise();
+            screen->activateWindow();   // back to the field it left
         });
     };
     sheets::correctStoredSheet(

@@ -22,6 +22,13 @@ menucambio::menucambio(QWidget* parent)
 
 menucambio::~menucambio() = default;
 
+void menucambio::takeFocus()
+{
+    raise();
+    activateWindow();
+    ui->Combo1->setFocus();
+}
+
 QString menucambio::descripcion() const { return ui->Text1->toPlainText(); }
 
 void menucambio::chosen(int index)

@@ -18,6 +18,8 @@ public:
 
     // The description of the change; empty until a reason is chosen.
     QString descripcion() const;
+    // The window comes forward with the list of reasons under the keys.
+    void takeFocus();
 
 private:
     void chosen(int index);
