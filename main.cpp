@@ -5,6 +5,7 @@
 #include "foundation/data/amb1.h"
 #include "foundation/data/datafolder.h"
 #include "foundation/data/demo.h"
+#include "lab/demoresults.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/placement.h"
 #include "frame/Form7.h"
@@ -72,6 +73,7 @@ int fillDemo(int argc, char** argv)
     try {
         tq::fillDemo(tq::amb1().connection());
         tq::addDemoInvoices();
+        tq::addDemoResults();
     } catch (const tq::AppError& e) {
         err << "No se cargaron los datos de demostración: " << e.message() << Qt::endl;
         return 1;

@@ -9,6 +9,7 @@
 #include "testsupport.h"
 
 #include "billing/invoice/demoinvoices.h"
+#include "lab/demoresults.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
@@ -318,6 +319,7 @@ private slots:
                    : amb1().openStore(m_template);
         fillDemo(amb1().connection());
         addDemoInvoices();
+        addDemoResults();
         amb1().closeStore();
 
         // Our own runs never spin an event loop; a screen that opens a dialog

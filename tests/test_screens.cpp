@@ -7,6 +7,7 @@
 #include "testsupport.h"
 
 #include "billing/invoice/demoinvoices.h"
+#include "lab/demoresults.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
@@ -181,6 +182,7 @@ private slots:
                    : amb1().openStore(QDir(m_dir.path()).filePath(QStringLiteral("lab.db")));
         fillDemo(amb1().connection());
         addDemoInvoices();
+        addDemoResults();
         state().currentUser = QStringLiteral("admin");
         state().workingDate = dateLong(QDate::currentDate());
         m_prompts = std::make_unique<ScriptedPrompts>();

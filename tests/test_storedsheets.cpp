@@ -9,7 +9,10 @@
 #include "foundation/base/appstate.h"
 #include "foundation/data/amb1.h"
 #include "foundation/ui/flexgrid.h"
+#include "billing/invoice/demoinvoices.h"
+#include "foundation/data/demo.h"
 #include "lab/corrections.h"
+#include "lab/demoresults.h"
 #include "lab/sheets/Form23.h"
 #include "lab/sheets/gridsheet.h"
 #include "lab/templates.h"
@@ -342,6 +345,23 @@ private slots:
             faults.heal();
             unchanged();
         }
+    }
+
+    // The demo laboratory comes with a printed blood count and a chemistry
+    // sheet waiting to be printed, saved as the bench saves them.
+    void demoResults()
+    {
+        TempStore store;
+        fillDemo(amb1().connection());
+        addDemoInvoices();
+        addDemoResults();
+        QCOMPARE(rowsOf("SELECT d.factura, e.examen, d.num_impresion FROM FacturaDetalle d "
+                        "JOIN Examenes e ON e.cod_descripcionexamen = d.cod_descripcionexamen "
+                        "WHERE d.evaluado = TRUE ORDER BY d.factura"),
+                 (QStringList{"1=Hemograma Completo=1", "2=Glucosa en Ayunas=0"}));
+        QCOMPARE(readSheet(2, 1, kQuimica).cells.size(), 2);
+        addDemoResults();   // a second time adds nothing
+        QCOMPARE(rowsIn("resultados"), 8);
     }
 };
 
