@@ -8,6 +8,7 @@
 #include <QFont>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QMetaMethod>
 #include <QKeyEvent>
 #include <algorithm>
 
@@ -242,8 +243,10 @@ FlexGrid::FlexGrid(QWidget* parent) : QTableView(parent), m_model(new FlexGridMo
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex& current, const QModelIndex&) { currentMoved(current); });
     connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex& i) {
-        if (i.isValid())
+        if (i.isValid()) {
             emit rowClicked(i.row() + 1);
+            emit rowChosen(i.row() + 1);
+        }
     });
     showCursor();
 }
@@ -358,8 +361,18 @@ void FlexGrid::keyPressEvent(QKeyEvent* event)
 {
     event->ignore();
     emit cellKeyPressed(m_row, m_col, event);
-    if (!event->isAccepted())
-        QTableView::keyPressEvent(event);
+    if (event->isAccepted())
+        return;
+    // Enter chooses the row where a screen listens for it; elsewhere it goes
+    // on as before (to the window's default button).
+    static const QMetaMethod chosen = QMetaMethod::fromSignal(&FlexGrid::rowChosen);
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && m_row >= 1
+        && m_row < rows() && isSignalConnected(chosen)) {
+        event->accept();
+        emit rowChosen(m_row);
+        return;
+    }
+    QTableView::keyPressEvent(event);
 }
 
 }  // namespace tq

@@ -134,6 +134,9 @@ public:
 signals:
     // The user clicked a data row (grid numbering); the cursor is already on it.
     void rowClicked(int row);
+    // A data row chosen: clicked, or Enter pressed on it (when no handler of
+    // cellKeyPressed took the key).
+    void rowChosen(int row);
     // A key pressed on the cursor cell, before the grid moves on it. The event
     // arrives ignored: a handler that uses the key accepts it, and the grid then
     // does nothing more with it; keys left ignored move the cursor as usual.

@@ -50,14 +50,8 @@ FHistorial::FHistorial(QWidget* parent) : QWidget(parent), ui(std::make_unique<U
             if (on)
                 ordenar(order);
         });
-    connect(ui->Grid1, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("abrir el resultado"), [this, row] { elegir(row); });
-    });
-    // Enter on a row chooses it, as a click does.
-    connect(ui->Grid1, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
+    // A click or Enter on a row chooses it.
+    connect(ui->Grid1, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("abrir el resultado"), [this, row] { elegir(row); });
     });
     connect(ui->Command1, &QPushButton::clicked, this, [this] {

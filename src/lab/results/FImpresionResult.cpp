@@ -44,14 +44,8 @@ FImpresionResult::FImpresionResult(QWidget* parent)
     });
     onClick(ui->Command1, QStringLiteral("buscar el paciente"), [this] { buscarPaciente(); });
     onClick(ui->Command3, QStringLiteral("buscar los resultados pendientes"), [this] { buscar(); });
-    connect(ui->Grid1, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("abrir el resultado"), [this, row] { elegir(row); });
-    });
-    // Enter on a row chooses it, as a click does.
-    connect(ui->Grid1, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
+    // A click or Enter on a row chooses it.
+    connect(ui->Grid1, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("abrir el resultado"), [this, row] { elegir(row); });
     });
 

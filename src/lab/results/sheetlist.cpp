@@ -32,13 +32,8 @@ void InvoiceSheetList::attachList(QLineEdit* factura, FlexGrid* grid, QAbstractB
     connect(factura, &QLineEdit::textChanged, this, [this] {
         guarded(QStringLiteral("buscar los formatos de la factura"), [this] { requery(); });
     });
-    connect(grid, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("abrir el formato de resultados"), [this, row] { choose(row); });
-    });
-    connect(grid, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
+    // A click or Enter on a row chooses it.
+    connect(grid, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("abrir el formato de resultados"), [this, row] { choose(row); });
     });
     configurargrid();

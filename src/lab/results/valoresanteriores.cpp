@@ -116,14 +116,8 @@ valoresanteriores::valoresanteriores(QWidget* parent)
     onClick(ui->Command1, QStringLiteral("buscar los cambios de la factura"), [this] { buscar(); });
     onClick(ui->Command2, QStringLiteral("imprimir los valores anteriores"), [this] { imprimir(); });
     connect(ui->Command3, &QPushButton::clicked, this, &QWidget::close);
-    connect(ui->Grid1, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("mostrar los valores anteriores"), [this, row] { elegir(row); });
-    });
-    // Enter on a correction works as a click, for those who use the keyboard.
-    connect(ui->Grid1, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* event) {
-        if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
-            return;
-        event->accept();
+    // A click or Enter on a row chooses it.
+    connect(ui->Grid1, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("mostrar los valores anteriores"), [this, row] { elegir(row); });
     });
 }

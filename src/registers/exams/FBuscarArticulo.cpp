@@ -44,13 +44,8 @@ FBuscarArticulo::FBuscarArticulo(ExamCaller caller, std::int32_t insurer, QWidge
     g->setColWidth(1, 5000);
     g->setColWidth(2, 1200);
 
-    connect(g, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("elegir el examen"), [this, row] { choose(row); });
-    });
-    connect(g, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
+    // A click or Enter on a row chooses it.
+    connect(g, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("elegir el examen"), [this, row] { choose(row); });
     });
     const auto searchTyped = [this] {

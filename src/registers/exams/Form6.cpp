@@ -59,15 +59,9 @@ Form6::Form6(QWidget* parent) : RegisterScreen(parent), ui(std::make_unique<Ui::
                   QStringLiteral("el examen"), {ui->Text1});
     setListNoun(QStringLiteral("examenes"));
 
-    connect(g, &FlexGrid::rowClicked, this, [this](int row) {
+    // A click or Enter on a row chooses it.
+    connect(g, &FlexGrid::rowChosen, this, [this](int row) {
         if (!isEditing())
-            guarded(QStringLiteral("mostrar los datos del examen"), [this, row] { chooseRow(row - 1); });
-    });
-    connect(g, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
-        if (!isEditing() && row >= 1)
             guarded(QStringLiteral("mostrar los datos del examen"), [this, row] { chooseRow(row - 1); });
     });
     connect(ui->Text1, &QLineEdit::textChanged, this, [this](const QString& text) {

@@ -101,13 +101,8 @@ FBuscarCliente::FBuscarCliente(QWidget* parent)
     setObjectName(QStringLiteral("FBuscarCliente"));
     new QShortcut(QKeySequence(Qt::Key_Escape), this, this, &QWidget::close);
 
-    connect(ui->Grid1, &FlexGrid::rowClicked, this, [this](int row) {
-        guarded(QStringLiteral("elegir el paciente"), [this, row] { choose(row); });
-    });
-    connect(ui->Grid1, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
+    // A click or Enter on a row chooses it.
+    connect(ui->Grid1, &FlexGrid::rowChosen, this, [this](int row) {
         guarded(QStringLiteral("elegir el paciente"), [this, row] { choose(row); });
     });
     connect(ui->Text1, &QLineEdit::textChanged, this,

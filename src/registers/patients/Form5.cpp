@@ -80,16 +80,9 @@ Form5::Form5(QWidget* parent) : RegisterScreen(parent), ui(std::make_unique<Ui::
                   g, QStringLiteral("el paciente"), {ui->Command1});
     setListNoun(QStringLiteral("pacientes"));
 
-    connect(g, &FlexGrid::rowClicked, this, [this](int row) {
+    // A click or Enter on a row chooses it.
+    connect(g, &FlexGrid::rowChosen, this, [this](int row) {
         if (!isEditing())
-            guarded(QStringLiteral("mostrar los datos del paciente"), [this, row] { chooseRow(row - 1); });
-    });
-    // Enter on a row chooses it, as a click does.
-    connect(g, &FlexGrid::cellKeyPressed, this, [this](int row, int, QKeyEvent* e) {
-        if (e->key() != Qt::Key_Return && e->key() != Qt::Key_Enter)
-            return;
-        e->accept();
-        if (!isEditing() && row >= 1)
             guarded(QStringLiteral("mostrar los datos del paciente"), [this, row] { chooseRow(row - 1); });
     });
     connect(ui->Text1, &QLineEdit::textChanged, this,
