@@ -127,5 +127,8 @@ void addResultPaths(Bench& bench, const Context& context);   // printing and his
 // catalogue rows of their names (the first of each), the normal values of
 // those found; the names that land on the sheet (paths_sheets.cpp).
 qint64 hematologyNamesBare(Connection* db, int version);
+// The twenty-one values typed on a hematology sheet, in the order it saves
+// them (paths_sheets.cpp).
+QList<std::pair<QString, QString>> hematologyCells();
 
 }  // namespace bench

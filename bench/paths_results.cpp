@@ -181,16 +181,6 @@ void putBack(Connection* db, const KeptSheet& k, int lastChange)
     execBare(db, "COMMIT");
 }
 
-// The twenty-one values of a corrected hematology sheet.
-QList<std::pair<QString, QString>> correctedCells()
-{
-    QList<std::pair<QString, QString>> cells;
-    for (int r = 1; r <= 11; ++r)
-        cells.append({QStringLiteral("B%1").arg(r), QStringLiteral("%1.5").arg(r)});
-    for (int r = 1; r <= 10; ++r)
-        cells.append({QStringLiteral("E%1").arg(r), QStringLiteral("%1").arg(r * 10)});
-    return cells;
-}
 
 // The correction as the bare store would run it: the log's next number,
 // the old rows kept and deleted, the new ones, the log line.
@@ -215,7 +205,7 @@ qint64 floorCorrection(Connection* db, qint64 factura)
     Stmt cell(db, "INSERT INTO resultados (num_factura, Cod_Plantilla, celda, NumFormato, valor, "
                   "version) VALUES (?, ?, ?, ?, ?, ?)");
     qint64 rows = 0;
-    for (const auto& [celda, valor] : correctedCells()) {
+    for (const auto& [celda, valor] : hematologyCells()) {
         cell.row(factura, kHematologia, celda, 1, valor,
                  celda.startsWith('B') ? std::optional<int>(1) : std::nullopt);
         ++rows;
@@ -330,9 +320,9 @@ void addResultPaths(Bench& bench, const Context& c)
                    target.plantilla = QStringLiteral("Hematologia");
                    target.autorizo = QStringLiteral("admin");
                    target.tecnico = QStringLiteral("bench");
-                   tq::corrections::saveGrid(target, QStringLiteral("bench"), correctedCells(),
+                   tq::corrections::saveGrid(target, QStringLiteral("bench"), hematologyCells(),
                                              QString());
-                   return qint64(correctedCells().size() + 2);
+                   return qint64(hematologyCells().size() + 2);
                },
                .floor = [prepare, writer, kept] {
                    prepare();

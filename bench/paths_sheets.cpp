@@ -65,6 +65,16 @@ qint64 hematologyNamesBare(Connection* db, int version)
     return placed;
 }
 
+QList<std::pair<QString, QString>> hematologyCells()
+{
+    QList<std::pair<QString, QString>> cells;
+    for (int r = 1; r <= 11; ++r)
+        cells.append({QStringLiteral("B%1").arg(r), QStringLiteral("%1.5").arg(r)});
+    for (int r = 1; r <= 10; ++r)
+        cells.append({QStringLiteral("E%1").arg(r), QStringLiteral("%1").arg(r * 10)});
+    return cells;
+}
+
 namespace {
 
 constexpr int kHematologia = 2;
@@ -127,16 +137,6 @@ void removeInvoice(Connection* db, qint64 number)
     }
 }
 
-// The twenty-one values typed on the sheet, in the order it saves them.
-QList<std::pair<QString, QString>> typedCells()
-{
-    QList<std::pair<QString, QString>> cells;
-    for (int r = 1; r <= 11; ++r)
-        cells.append({QStringLiteral("B%1").arg(r), QStringLiteral("%1.5").arg(r)});
-    for (int r = 1; r <= 10; ++r)
-        cells.append({QStringLiteral("E%1").arg(r), QStringLiteral("%1").arg(r * 10)});
-    return cells;
-}
 
 // The save as the bare store would run it: the format id checked, the
 // sheet's number in its invoice, the cells and the comment, and the three
@@ -165,7 +165,7 @@ qint64 floorSave(Connection* db, qint64 invoice, const std::vector<int>& waiting
     Stmt cell(db, "INSERT INTO resultados (num_factura, Cod_Plantilla, celda, NumFormato, valor, "
                   "version, iduniversalformato) VALUES (?, ?, ?, ?, ?, ?, ?)");
     qint64 rows = 0;
-    for (const auto& [celda, valor] : typedCells()) {
+    for (const auto& [celda, valor] : hematologyCells()) {
         cell.row(invoice, kHematologia, celda, num, valor, 1, id);
         ++rows;
     }
@@ -264,8 +264,8 @@ void addSheetPaths(Bench& bench, const Context& c)
                        context.picks.append({QStringLiteral("Hemograma"), QStringLiteral("Paciente"),
                                              QString(), n, context.factura});
                    const tq::sheets::SavedSheet saved = tq::sheets::saveGridSheet(
-                       kHematologia, typedCells(), QString(), context);
-                   return qint64(typedCells().size() + 1 + saved.closed);
+                       kHematologia, hematologyCells(), QString(), context);
+                   return qint64(hematologyCells().size() + 1 + saved.closed);
                },
                .floor = [prepare, writer, exam] {
                    prepare();
