@@ -6,6 +6,7 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
+#include "lab/results/storedsheetopen.h"
 #include "lab/sheets.h"
 #include "lab/sheets/opensheet.h"
 
@@ -36,20 +37,13 @@ Form25::~Form25() = default;
 
 void Form25::open(const ListedSheet& listed)
 {
-    QString edad;
-    if (!facturaBox()->text().isEmpty()) {
-        Recordset invoice;
-        invoice.open(QStringLiteral("SELECT pagada, edad_paciente FROM Factura WHERE factura = ?"),
-                     {listed.factura});
-        if (invoice.recordCount() > 0) {
-            const QVariant pagada = invoice.valueAt(0, 0);
-            if (!pagada.isNull() && pagada.toInt() == 0 && !prompts().ask(kUnpaid))
-                return;
-            edad = invoice.valueAt(0, 1).toString();
-        }
-    }
+    std::optional<QString> edad = QString();
+    if (!facturaBox()->text().isEmpty())
+        edad = ageUnlessDeclined(listed.factura, kUnpaid);
+    if (!edad)
+        return;
     sheets::StoredHeading heading = headingOf(listed.factura);
-    heading.edad = edad;
+    heading.edad = *edad;
     const sheets::StoredSheet sheet =
         sheets::readSheet(listed.factura, listed.numFormato, listed.codPlantilla);
     sheets::showStoredSheet(sheet, heading);

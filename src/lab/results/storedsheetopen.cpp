@@ -15,24 +15,28 @@ QColor unprintedColour()
     return QColor(vb & 0xff, (vb >> 8) & 0xff, (vb >> 16) & 0xff);
 }
 
-bool openStoredLine(const ChosenLine& line)
+std::optional<QString> ageUnlessDeclined(std::int32_t factura, const QString& question)
 {
-    state().idFormatoActual = line.formatId;
-
     // Whether it is paid and the age recorded on it, in one read.
     Recordset invoice;
     invoice.open(QStringLiteral("SELECT pagada, edad_paciente FROM Factura WHERE factura = ?"),
-                 {line.factura});
-    QString edad;
-    if (invoice.recordCount() > 0) {
-        const QVariant pagada = invoice.valueAt(0, 0);
-        if (!pagada.isNull() && pagada.toInt() == 0 && !prompts().ask(kUnpaidQuestion))
-            return false;
-        edad = invoice.valueAt(0, 1).toString();
-    }
+                 {factura});
+    if (invoice.recordCount() == 0)
+        return QString();
+    const QVariant pagada = invoice.valueAt(0, 0);
+    if (!pagada.isNull() && pagada.toInt() == 0 && !prompts().ask(question))
+        return std::nullopt;
+    return invoice.valueAt(0, 1).toString();
+}
 
+bool openStoredLine(const ChosenLine& line)
+{
+    state().idFormatoActual = line.formatId;
+    const std::optional<QString> edad = ageUnlessDeclined(line.factura, kUnpaidQuestion);
+    if (!edad)
+        return false;
     const sheets::StoredSheet sheet = sheets::readSheetById(line.formatId);
-    sheets::showStoredSheet(sheet, {line.paciente, line.fecha, edad});
+    sheets::showStoredSheet(sheet, {line.paciente, line.fecha, *edad});
     return true;
 }
 

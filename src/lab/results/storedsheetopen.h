@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace tq::results {
 
@@ -25,6 +26,12 @@ struct ChosenLine {
     QString fecha;       // the invoice's date as the list shows it: the sheet prints it
     QString paciente;    // the name the sheet prints
 };
+
+// The age recorded on an invoice, once the user has agreed to go on with an
+// invoice not wholly paid (`question`, in the screen's own spelling);
+// nothing when the answer is No. An invoice not found asks nothing and has
+// no age. Throws DbError.
+std::optional<QString> ageUnlessDeclined(std::int32_t factura, const QString& question);
 
 // The current format id becomes the row's, so that "imprimir" on the sheet
 // marks its lines. Then, for an unpaid invoice, the question (No: false,
