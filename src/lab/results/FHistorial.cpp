@@ -183,14 +183,10 @@ void FHistorial::ordenar(Order order)
 
 void FHistorial::elegir(int row)
 {
-    FlexGrid* g = ui->Grid1;
-    if (row < 1 || row >= g->rows() || g->textMatrix(row, Factura).isEmpty())
+    std::optional<results::ChosenLine> line = results::lineAt(ui->Grid1, row, Id);
+    if (!line)
         return;
-    results::ChosenLine line;
-    line.factura = toInt32(g->textMatrix(row, Factura));
-    line.fecha = g->textMatrix(row, Fecha);
-    line.formatId = toInt32(g->textMatrix(row, Id));
     // The name the patient screen gave: no patient is read here.
-    line.paciente = ui->Label9->text();
-    results::openStoredLine(line);
+    line->paciente = ui->Label9->text();
+    results::openStoredLine(*line);
 }

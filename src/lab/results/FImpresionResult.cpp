@@ -213,14 +213,11 @@ bool FImpresionResult::showPatient(std::int32_t code)
 
 void FImpresionResult::elegir(int row)
 {
-    FlexGrid* g = ui->Grid1;
-    if (row < 1 || row >= g->rows() || g->textMatrix(row, Factura).isEmpty())
+    std::optional<results::ChosenLine> chosen = results::lineAt(ui->Grid1, row, IdFormato);
+    if (!chosen)
         return;
-    results::ChosenLine line;
-    line.factura = toInt32(g->textMatrix(row, Factura));
-    line.fecha = g->textMatrix(row, Fecha);
-    line.formatId = toInt32(g->textMatrix(row, IdFormato));
-    const std::int32_t patient = toInt32(g->textMatrix(row, CodPaciente));
+    results::ChosenLine& line = *chosen;
+    const std::int32_t patient = toInt32(ui->Grid1->textMatrix(row, CodPaciente));
     m_factura = line.factura;
     state().idFormatoActual = line.formatId;
     // A patient deleted since the list was read: nothing happens.

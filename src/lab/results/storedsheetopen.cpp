@@ -1,7 +1,9 @@
 #include "lab/results/storedsheetopen.h"
 
 #include "foundation/base/appstate.h"
+#include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
+#include "foundation/ui/flexgrid.h"
 #include "foundation/ui/prompt.h"
 #include "lab/sheets.h"
 #include "lab/sheets/gridsheet.h"
@@ -13,6 +15,17 @@ QColor unprintedColour()
 {
     constexpr int vb = 2027687;
     return QColor(vb & 0xff, (vb >> 8) & 0xff, (vb >> 16) & 0xff);
+}
+
+std::optional<ChosenLine> lineAt(const FlexGrid* grid, int row, int idCol)
+{
+    if (row < 1 || row >= grid->rows() || grid->textMatrix(row, 0).isEmpty())
+        return std::nullopt;
+    ChosenLine line;
+    line.factura = toInt32(grid->textMatrix(row, 0));
+    line.fecha = grid->textMatrix(row, 1);
+    line.formatId = toInt32(grid->textMatrix(row, idCol));
+    return line;
 }
 
 std::optional<QString> ageUnlessDeclined(std::int32_t factura, const QString& question)

@@ -7,6 +7,10 @@
 #include <cstdint>
 #include <optional>
 
+namespace tq {
+class FlexGrid;
+}
+
 namespace tq::results {
 
 // The question of an invoice not yet wholly paid.
@@ -26,6 +30,11 @@ struct ChosenLine {
     QString fecha;       // the invoice's date as the list shows it: the sheet prints it
     QString paciente;    // the name the sheet prints
 };
+
+// The line of a list's data row: the invoice in column 0, its date in
+// column 1, the format id in `idCol`; nothing for a row outside the list
+// or an empty one.
+std::optional<ChosenLine> lineAt(const FlexGrid* grid, int row, int idCol);
 
 // The age recorded on an invoice, once the user has agreed to go on with an
 // invoice not wholly paid (`question`, in the screen's own spelling);
