@@ -1,6 +1,7 @@
 #include "foundation/ui/register_screen.h"
 
 #include "foundation/data/amb1.h"
+#include "foundation/data/numbering.h"
 #include "foundation/ui/datagrid.h"
 #include "foundation/ui/errors.h"
 #include "foundation/base/values.h"
@@ -293,9 +294,7 @@ void RegisterScreen::save()
 
 std::int32_t RegisterScreen::proposeNextCode(const QString& table, const QString& column)
 {
-    const QVariant last =
-        amb1().scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table));
-    m_proposedCode = last.isValid() && !last.isNull() ? toInt32(double(toInt32(last)) + 1) : 1;
+    m_proposedCode = nextNumber(table, column);
     return m_proposedCode;
 }
 
@@ -320,16 +319,12 @@ std::int32_t RegisterScreen::takeCode(std::int32_t code, const QString& table,
                                       const QString& column, const QString& takenMessage)
 {
     m_movedFrom = -1;
-    const QVariant taken = amb1().scalar(
-        QStringLiteral("SELECT %1 FROM %2 WHERE %1 = ? LIMIT 1").arg(column, table), {code});
-    if (!taken.isValid())
+    if (!numberTaken(table, column, code))
         return code;
     if (code != m_proposedCode)
         throw AppError(takenMessage);
     m_movedFrom = code;
-    return toInt32(
-        double(toInt32(amb1().scalar(QStringLiteral("SELECT MAX(%1) FROM %2").arg(column, table))))
-        + 1);
+    return nextNumber(table, column);
 }
 
 void RegisterScreen::afterSave(int mode, const QVariant& newCode)
