@@ -122,6 +122,7 @@ void addLabPaths(Bench& bench, const Context& context);     // the work table (p
 void addSheetPaths(Bench& bench, const Context& context);   // the result sheets (paths_sheets.cpp)
 void addSearchPaths(Bench& bench, const Context& context);
 void addResultPaths(Bench& bench, const Context& context);   // printing and history (paths_results.cpp)
+void addOrderPaths(Bench& bench, const Context& context);    // orders and quotations (paths_orders.cpp)
 
 // The floor of laying a hematology version out: its parameters in order, the
 // catalogue rows of their names (the first of each), the normal values of

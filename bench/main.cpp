@@ -161,6 +161,7 @@ int main(int argc, char** argv)
         bench::addSheetPaths(b, c);
         bench::addSearchPaths(b, c);
         bench::addResultPaths(b, c);
+        bench::addOrderPaths(b, c);
         const bool met = b.print(out, b.run(only));
         bench::closeBare(bare);
         tq::amb1().closeStore();

@@ -4,6 +4,7 @@
 #include "bare.h"
 #include "bench.h"
 
+#include "billing/invoice/composer.h"
 #include "billing/invoice/factura3.h"
 #include "billing/invoice/invoicesave.h"
 #include "foundation/base/values.h"
@@ -23,6 +24,7 @@ namespace {
 class InvoiceScreen : public factura3 {
 public:
     tq::FlexGrid* grid() const { return findChild<tq::FlexGrid*>(QStringLiteral("Factura")); }
+    tq::DocumentComposer* doc() const { return findChild<tq::DocumentComposer*>(); }
 
     qint64 open()
     {
@@ -33,11 +35,9 @@ public:
 
     void patient(std::int32_t insurer, const QDate& birth)
     {
-        cancelar();
-        setUpGrid(false);
-        findChild<QLineEdit*>(QStringLiteral("clinom"))->setText(QStringLiteral("Paciente, Prueba"));
-        m_codSeguro = insurer;
-        m_fechaNacimiento = birth;
+        doc()->cancelar();
+        doc()->setUpGrid(false);
+        doc()->setPatient(0, QStringLiteral("Paciente, Prueba"), QString(), birth, insurer, QString());
     }
 
     // One line keyed on a fresh grid; what it shows is the price read.
@@ -48,7 +48,7 @@ public:
         g->setTextMatrix(1, 0, QStringLiteral("2"));
         g->setTextMatrix(1, 1, QString::number(exam));
         g->setTextMatrix(1, 2, QString());
-        acceptLine(1);
+        doc()->acceptLine(1);
         return qRound64(tq::Val(g->textMatrix(1, 3)) * 100);
     }
 
@@ -59,13 +59,13 @@ public:
             const int r = g->rows() - 1;
             g->setTextMatrix(r, 0, QStringLiteral("1"));
             g->setTextMatrix(r, 1, QString::number(exam));
-            acceptLine(r);
+            doc()->acceptLine(r);
         }
     }
 
     qint64 total()
     {
-        generar();
+        doc()->generar();
         return qRound64(tq::Val(findChild<QLineEdit*>(QStringLiteral("totfact"))->text()) * 100);
     }
 };
@@ -284,7 +284,7 @@ void addBillingPaths(Bench& bench, const Context& c)
     bench.add({.name = QStringLiteral("invoice save, 5 lines to the insurer with the work table (factura3)"),
                .run = [five, patient] {
                    static qint64 next = kOursFrom;
-                   tq::InvoiceDocument doc;
+                   tq::PricedDocument doc;
                    doc.numero = tq::toInt32(double(next++));
                    doc.fecha = QDate::currentDate();
                    doc.faturado = QStringLiteral("bench");
@@ -292,7 +292,7 @@ void addBillingPaths(Bench& bench, const Context& c)
                    doc.subtotal = doc.total = QStringLiteral("500.00");
                    doc.edad = QStringLiteral("40 Años 1 meses");
                    for (std::size_t i = 0; i < five.size(); ++i)
-                       doc.lines << tq::InvoiceLine{i == 0 ? 2 : 1, five[i], QStringLiteral("100.00")};
+                       doc.lines << tq::PricedLine{i == 0 ? 2 : 1, five[i], QStringLiteral("100.00"), QStringLiteral("100.00")};
                    tq::saveInvoice(doc, tq::Settlement::Insurer, tq::Payment{}, true, nullptr);
                    return qint64(1 + five.size() + 2 + five.size() + 1);
                },

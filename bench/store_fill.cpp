@@ -33,7 +33,7 @@ namespace {
 
 // Raise when the fill changes, so that stores made by an earlier fill are
 // made again.
-constexpr int kFillVersion = 5;
+constexpr int kFillVersion = 6;
 
 // splitmix64: the same numbers on every machine and standard library.
 class Rng {
@@ -324,6 +324,7 @@ public:
         supplies();
         purchases();
         invoices();
+        orders();
     }
 
 private:
@@ -1050,6 +1051,84 @@ private:
         changeLog(withSheets, onTable);
     }
 
+    // ---- orders -------------------------------------------------------
+
+    // Quotations over the same years, priced as the invoices are. A quarter
+    // still waits; the rest were closed within a month, most of them by the
+    // invoice that billed them (that day's first).
+    void orders()
+    {
+        Stmt order(m_db, "INSERT INTO orden (orden, fecha, faturado, cod_paciente, sub_total, total, "
+                         "cod_doctor, valadicional, adicional, anulada, anulacion, quien_anulo, "
+                         "factura) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        Stmt line(m_db, "INSERT INTO ordenDetalle (orden, cantidad, cod_descripcionexamen, precio, "
+                        "subtotal) VALUES (?, ?, ?, ?, ?)");
+        const qint64 days = kFirstDay.daysTo(kLastDay);
+        const int n = m_sizes.orders;
+        for (int k = 0; k < n; ++k) {
+            QDate date = kFirstDay.addDays(days * k / std::max(1, n));
+            if (date.dayOfWeek() == Qt::Sunday)
+                date = date.addDays(-1);
+            int patient = m_rng.skewed(m_sizes.patients, 1.3);
+            for (int tries = 0; m_patients[patient].birth > date; ++tries)
+                patient = tries < 50 ? m_rng.below(m_sizes.patients) : (patient + 1) % m_sizes.patients;
+            const Patient& p = m_patients[patient];
+            std::optional<int> doctor;
+            if (m_sizes.doctors > 0 && m_rng.chance(0.4))
+                doctor = 1 + m_rng.below(m_sizes.doctors);
+
+            struct Priced { int exam; int units; double price; };
+            std::vector<Priced> lines;
+            const int count = m_rng.between(1, 10);
+            double subTotal = 0;
+            for (int l = 0; l < count; ++l) {
+                int e = pickExam();
+                for (int tries = 0; tries < 30
+                                    && std::any_of(lines.begin(), lines.end(),
+                                                   [e](const Priced& x) { return x.exam == e; });
+                     ++tries)
+                    e = pickExam();
+                const int units = m_rng.chance(0.03) ? 2 : 1;
+                double price = m_exams[e].price;
+                if (p.insured && m_insurerPrice[p.insurer][e] > 0)
+                    price = m_insurerPrice[p.insurer][e];
+                lines.push_back({e, units, price});
+                subTotal += price * units;
+            }
+            std::optional<QString> extra;
+            double extraAmount = 0;
+            if (m_rng.chance(0.08)) {
+                extra = QStringLiteral("Descuento");
+                extraAmount = cents(subTotal * 0.10);
+            }
+            const double total = subTotal - extraAmount;
+
+            const bool pending = m_rng.chance(0.25);
+            std::optional<QDate> closedOn;
+            std::optional<QString> closedBy;
+            std::optional<int> billedBy;
+            if (!pending) {
+                closedOn = std::min(kLastDay, date.addDays(m_rng.below(30)));
+                closedBy = m_desk[m_rng.below(int(m_desk.size()))];
+                if (m_rng.chance(0.7)) {
+                    const auto first = std::lower_bound(
+                        m_invoices.begin(), m_invoices.end(), *closedOn,
+                        [](const PlannedInvoice& inv, const QDate& d) { return inv.date < d; });
+                    if (first != m_invoices.end())
+                        billedBy = int(first - m_invoices.begin()) + 1;
+                }
+            }
+            const int number = k + 1;
+            const QString faturado = m_desk[m_rng.below(int(m_desk.size()))];
+            order.row(number, date, faturado, patient + 1, tq::money(subTotal), tq::money(total),
+                      doctor, extra ? Written(tq::money(extraAmount)) : Written(0), extra,
+                      !pending, closedOn, closedBy, billedBy);
+            for (const Priced& l : lines)
+                line.row(number, l.units, m_exams[l.exam].code, tq::money(l.price),
+                         tq::money(l.price * l.units));
+        }
+    }
+
     // The corrections of the last month: a few a day, on sheets of the
     // invoices just before it. Only the log: the sheets stand as saved.
     void changeLog(int from, int to)
@@ -1222,6 +1301,7 @@ Sizes Sizes::small()
     s.supplies = 60;
     s.suppliers = 5;
     s.purchases = 40;
+    s.orders = 200;
     return s;
 }
 

@@ -21,6 +21,7 @@ struct Sizes {
     int supplies = 500;
     int suppliers = 25;
     int purchases = 1500;
+    int orders = 20000;      // quotations, a quarter of them still pending
 
     // A hundredth of the large store, for checking the fill itself.
     static Sizes small();

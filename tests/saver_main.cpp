@@ -25,7 +25,7 @@ int main(int argc, char** argv)
         std::printf("abierta\n");
         std::fflush(stdout);
         for (int i = 0; i < args.at(2).toInt(); ++i) {
-            tq::InvoiceDocument doc;
+            tq::PricedDocument doc;
             // Proposed as the invoice screen proposes it, outside the save.
             doc.numero = tq::toInt32(double(tq::toInt32(
                              tq::amb1().scalar(QStringLiteral("SELECT MAX(factura) FROM Factura"))))

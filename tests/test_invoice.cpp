@@ -40,39 +40,10 @@ QString label(QWidget* w, const char* name) { return control<QLabel>(w, name)->t
 QStringList extras(QWidget* w) { return {label(w, "Label10"), textOf(w, "Text1"), textOf(w, "totfact")}; }
 bool on(QWidget* w, const char* name) { return control<QWidget>(w, name)->isEnabled(); }
 
-// Enter on the patient's name, choosing `name` in the picker.
-void pickPatient(QWidget* w, ScriptedPrompts& sp, const QString& name)
-{
-    sp.onModal("FBuscarCliente", [name](QWidget* p) {
-        auto* g = control<FlexGrid>(p, "Grid1");
-        clickGridRow(g, findRow(g, 1, name));
-    });
-    pressKey(edit(w, "clinom"), Qt::Key_Return);
-}
-
-// Types a line on the blank row: quantity, then code and Enter.
-void keyLine(QWidget* w, const QString& quantity, int code)
-{
-    FlexGrid* g = lines(w);
-    g->setRow(g->rows() - 1);
-    g->setCol(0);
-    typeKeys(g, quantity);
-    g->setCol(1);
-    typeKeys(g, QString::number(code));
-    pressKey(g, Qt::Key_Return);
-}
-
 // A new invoice for `who` with the lines keyed (quantity, code) and the doctor entry, totalled.
 QWidget* billed(ScriptedPrompts& sp, const QString& who, const QList<QPair<QString, int>>& keyed, int doctor = -1)
 {
-    QWidget* w = openScreen("factura3");
-    pickPatient(w, sp, who);
-    for (const auto& [quantity, code] : keyed)
-        keyLine(w, quantity, code);
-    if (doctor >= 0)
-        pickEntry(control<QComboBox>(w, "Combo1"), doctor);
-    clickNamed(w, "generar");
-    return w;
+    return composed(sp, "factura3", who, keyed, doctor);
 }
 
 QStringList row(FlexGrid* g, int r)

@@ -58,6 +58,8 @@ struct ChosenExam {
 
 // FBuscarArticulo, modal, for the caller whose patient has `insurer` (0 for
 // none): an insured patient is offered only his insurer's list, at its prices.
-std::optional<ChosenExam> chooseExam(ExamCaller caller, std::int32_t insurer);
+// `title`, when given, heads the list ("PRECIOS NORMALES", the insurer's name).
+std::optional<ChosenExam> chooseExam(ExamCaller caller, std::int32_t insurer,
+                                     const QString& title = {});
 
 }  // namespace tq

@@ -2,6 +2,9 @@
 
 #include "foundation/data/amb1.h"
 #include "foundation/ui/datagrid.h"
+#include "foundation/ui/flexgrid.h"
+
+#include <QComboBox>
 
 namespace tq::test {
 
@@ -65,6 +68,39 @@ QString refusals(QWidget* w, ScriptedPrompts& sp, const QString& button, const Q
             retype(edit(w, s.field), s.value);
     }
     return {};
+}
+
+void pickPatient(QWidget* w, ScriptedPrompts& sp, const QString& name)
+{
+    sp.onModal("FBuscarCliente", [name](QWidget* p) {
+        auto* g = control<FlexGrid>(p, "Grid1");
+        clickGridRow(g, findRow(g, 1, name));
+    });
+    pressKey(edit(w, "clinom"), Qt::Key_Return);
+}
+
+void keyLine(QWidget* w, const QString& quantity, int code)
+{
+    auto* g = control<FlexGrid>(w, "Factura");
+    g->setRow(g->rows() - 1);
+    g->setCol(0);
+    typeKeys(g, quantity);
+    g->setCol(1);
+    typeKeys(g, QString::number(code));
+    pressKey(g, Qt::Key_Return);
+}
+
+QWidget* composed(ScriptedPrompts& sp, const QString& screen, const QString& who,
+                  const QList<QPair<QString, int>>& keyed, int doctor)
+{
+    QWidget* w = openScreen(screen);
+    pickPatient(w, sp, who);
+    for (const auto& [quantity, code] : keyed)
+        keyLine(w, quantity, code);
+    if (doctor >= 0)
+        pickEntry(control<QComboBox>(w, "Combo1"), doctor);
+    clickNamed(w, "generar");
+    return w;
 }
 
 }  // namespace tq::test

@@ -39,4 +39,13 @@ struct Refusal {
 QString refusals(QWidget* w, ScriptedPrompts& sp, const QString& button, const QList<Refusal>& steps,
                  const QString& table, std::optional<Icon> icon = {});
 
+// On the invoice or the order screen: Enter on the patient's name, choosing `name` in the picker.
+void pickPatient(QWidget* w, ScriptedPrompts& sp, const QString& name);
+// Types a line on the blank row: quantity, then code and Enter.
+void keyLine(QWidget* w, const QString& quantity, int code);
+// A new document on `screen` for `who` with the lines keyed (quantity, code) and the doctor
+// entry chosen (-1 none), totalled.
+QWidget* composed(ScriptedPrompts& sp, const QString& screen, const QString& who,
+                  const QList<QPair<QString, int>>& keyed, int doctor = -1);
+
 }  // namespace tq::test

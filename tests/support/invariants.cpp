@@ -41,6 +41,13 @@ const QList<Invariant>& storeInvariants()
                             "OR (pagada AND ABS(Abono - total) > 0.005) "
                             "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
                             "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
+            // An order is saved whole; one billed names an invoice that exists and is closed.
+            {QStringLiteral("orden: cada orden con sus líneas"),
+             QStringLiteral("SELECT COUNT(*) FROM orden o WHERE NOT EXISTS (SELECT 1 FROM ordenDetalle d "
+                            "WHERE d.orden = o.orden)")},
+            {QStringLiteral("orden: facturada en una factura que existe, y cerrada"),
+             QStringLiteral("SELECT COUNT(*) FROM orden o WHERE o.factura IS NOT NULL AND (NOT o.anulada "
+                            "OR NOT EXISTS (SELECT 1 FROM Factura f WHERE f.factura = o.factura))")},
             {QStringLiteral("resultados: ninguna celda sin su factura"),
              QStringLiteral("SELECT COUNT(*) FROM resultados r WHERE NOT EXISTS (SELECT 1 FROM Factura f "
                             "WHERE f.factura = r.num_factura)")},

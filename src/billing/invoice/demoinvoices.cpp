@@ -1,6 +1,7 @@
 #include "billing/invoice/demoinvoices.h"
 
 #include "billing/invoice/invoicesave.h"
+#include "billing/orders/ordersave.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 
@@ -48,7 +49,7 @@ void addDemoInvoices()
         {1, {{"VDRL", 1}, {"Tipo y Rh", 1}}, true},
     };
     for (const DemoInvoice& d : invoices) {
-        InvoiceDocument doc;
+        PricedDocument doc;
         doc.numero = toInt32(
             amb1().scalar(QStringLiteral("SELECT COALESCE(MAX(factura), 0) + 1 FROM Factura")));
         doc.fecha = QDate::currentDate();
@@ -61,7 +62,7 @@ void addDemoInvoices()
             if (found == exams.constEnd())
                 continue;
             const double subtotal = found->second * quantity;
-            doc.lines.append({quantity, found->first, money(subtotal)});
+            doc.lines.append({quantity, found->first, money(subtotal), money(found->second)});
             total += subtotal;
         }
         if (doc.lines.isEmpty())
@@ -72,6 +73,34 @@ void addDemoInvoices()
         payment.efectivo = d.paid ? total : total / 2;
         payment.pagado = payment.efectivo;
         saveInvoice(doc, d.paid ? Settlement::Paid : Settlement::Credit, payment, !d.paid, nullptr);
+    }
+
+    // Two quotations waiting at the desk, for patients on normal prices.
+    Recordset particulares;
+    particulares.open(QStringLiteral("SELECT cod_paciente FROM Pacientes WHERE cod_seguro = 0 "
+                                     "ORDER BY cod_paciente LIMIT 2"));
+    const QList<QList<QPair<const char*, int>>> quotations = {
+        {{"Perfil Lipidico", 1}, {"Glucosa en Ayunas", 1}, {"Creatinina", 1}},
+        {{"Hemograma Completo", 2}, {"Tipo y Rh", 1}},
+    };
+    for (int i = 0; i < particulares.recordCount() && i < quotations.size(); ++i) {
+        PricedDocument doc;
+        doc.numero = nextOrderNumber();
+        doc.fecha = QDate::currentDate().addDays(-i);
+        doc.faturado = QStringLiteral("Recepcion");
+        doc.codPaciente = toInt32(particulares.valueAt(i, QStringLiteral("cod_paciente")));
+        double total = 0;
+        for (const auto& [name, quantity] : quotations.at(i)) {
+            const auto found = exams.constFind(QString::fromUtf8(name));
+            if (found == exams.constEnd())
+                continue;
+            doc.lines.append({quantity, found->first, money(found->second * quantity), money(found->second)});
+            total += found->second * quantity;
+        }
+        doc.subtotal = money(total);
+        doc.total = money(total);
+        if (!doc.lines.isEmpty())
+            saveOrder(doc);
     }
 }
 

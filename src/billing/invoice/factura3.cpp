@@ -2,23 +2,20 @@
 
 #include "ui_factura3.h"
 
+#include "billing/invoice/composer.h"
 #include "billing/invoice/invoicesave.h"
+#include "billing/orders/orderpicker.h"
+#include "billing/orders/ordersave.h"
 #include "billing/payment/Fcobrar.h"
 #include "foundation/base/appstate.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
+#include "foundation/data/numbering.h"
 #include "foundation/ui/errors.h"
 #include "foundation/ui/flexgrid.h"
 #include "foundation/ui/prompt.h"
-#include "frame/frame.h"
 #include "foundation/ui/registry.h"
-#include "foundation/ui/widgets.h"
-#include "registers/insurers/pricelist.h"
-#include "registers/pickers.h"
-
-#include <QKeyEvent>
-#include <QMdiArea>
-#include <QMdiSubWindow>
+#include "frame/frame.h"
 
 TQ_REGISTER_SCREEN(factura3)
 
@@ -26,31 +23,22 @@ using namespace tq;
 
 namespace {
 
-// The line grid's columns.
-enum Col { Cantidad, Codigo, Descripcion, PrecioU, PrecioT };
-constexpr int kCols = 5;
-
 const QString kTitle = QStringLiteral("Facturación");
-const QString kWarning = QStringLiteral("Advertencia");
-const QString kExtras = QStringLiteral("Extras:");
 
-// More units of one exam than this on one invoice is a slip of the keyboard.
-constexpr std::int32_t kMaxQuantity = 999;
+const DocumentKind kInvoice{PatientCaller::Invoice,
+                            ExamCaller::Invoice,
+                            1,
+                            true,
+                            true,
+                            kTitle,
+                            QStringLiteral("la factura"),
+                            QStringLiteral("Primero debe Generar a factura"),
+                            QStringLiteral("Desea Ingresar Otra factura"),
+                            QStringLiteral("Ingresar Factura..."),
+                            QStringLiteral("factura3")};
 
 // Invoice screens open at once; the last to go puts the screen number back.
 int g_open = 0;
-
-bool isEnter(const QKeyEvent* e) { return e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter; }
-
-// A key that the grid's procedures see: a character, Enter or Backspace.
-// Arrows, Tab and the like only move the cursor.
-bool isTypedKey(const QKeyEvent* e)
-{
-    if (isEnter(e) || e->key() == Qt::Key_Backspace)
-        return true;
-    const QString t = e->text();
-    return !t.isEmpty() && t[0].isPrint() && !(e->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-}
 
 }  // namespace
 
@@ -61,24 +49,14 @@ factura3::factura3(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::f
     ++g_open;
     state().screenNumber = 10;
     state().pagoPacienteAsegurado = 0;
-    ui->DT->setDate(QDate::currentDate());
     showPaymentKind();
-    makeListOnly(ui->Combo1);
-    ui->clinom->installEventFilter(this);
-    ui->clidir->installEventFilter(this);
+    m_doc = new DocumentComposer(kInvoice, composerControls(ui.get()), this);
+    // An invoice emptied for another patient no longer comes from the order.
+    connect(m_doc, &DocumentComposer::cleared, this, [this] { m_orden = 0; });
 
-    FlexGrid* g = ui->Factura;
-    connect(g, &FlexGrid::rowClicked, this, [this](int row) { m_clickedRow = row; });
-    connect(g, &FlexGrid::cellKeyPressed, this, &factura3::gridKey);
-
-    onClick(ui->eliminar, QStringLiteral("quitar el examen de la factura"), [this] { eliminar(); });
-    onClick(ui->agregar, QStringLiteral("agregar más examenes a la factura"), [this] { agregar(); });
-    onClick(ui->generar, QStringLiteral("calcular los totales de la factura"), [this] { generar(); });
-    onClick(ui->Command1, QStringLiteral("aplicar un descuento o recargo"), [this] { descuentoRecargo(); });
+    onClick(ui->importaOrden, QStringLiteral("importar la orden"), [this] { importaOrden(); });
     onClick(ui->guardarfact, QStringLiteral("guardar la factura"), [this] { guardarfact(); });
-    onClick(ui->limpiar, QStringLiteral("limpiar la factura"), [this] { limpiar(); });
     onClick(ui->imprimir, QStringLiteral("imprimir la factura"), [this] { imprimir(); });
-    onClick(ui->Otrafact, QStringLiteral("abrir otra factura"), [this] { otraFactura(); });
     connect(ui->salir, &QPushButton::clicked, this, &QWidget::close);
 
     if (!guarded(QStringLiteral("preparar la factura"), [this] { load(); })) {
@@ -90,10 +68,16 @@ factura3::factura3(QWidget* parent) : QWidget(parent), ui(std::make_unique<Ui::f
 
 factura3::~factura3()
 {
-    if (extraTarget(1) == this)
-        setExtraTarget(1, nullptr);
     if (--g_open == 0 && state().screenNumber == 10)
         state().screenNumber = 0;
+}
+
+void factura3::load()
+{
+    // Last number plus one; nothing is reserved, the save checks again.
+    m_numero = nextNumber(QStringLiteral("Factura"), QStringLiteral("factura"));
+    showNumber();
+    m_doc->load();
 }
 
 void factura3::showNumber()
@@ -131,327 +115,50 @@ void factura3::closeEvent(QCloseEvent* event)
     QWidget::closeEvent(event);
 }
 
-void factura3::load()
+void factura3::importaOrden()
 {
-    // Last number plus one; nothing is reserved, the save checks again.
-    const QVariant last = amb1().scalar(QStringLiteral("SELECT MAX(factura) FROM Factura"));
-    m_numero = last.isNull() ? 1 : toInt32(double(toInt32(last)) + 1);
-    showNumber();
-
-    Recordset doctores;
-    doctores.open(QStringLiteral(
-        "SELECT Cod_doctor, Nombre_doctor, Apellido_doctor FROM Doctores ORDER BY Cod_doctor"));
-    if (doctores.recordCount() == 0) {
-        prompts().message(QStringLiteral("no hay familias creadas"), Icon::None, kTitle);
-        // Doctors must exist before invoicing.
-        ui->clinom->setEnabled(false);
-        ui->Factura->setEnabled(false);
-        return;
-    }
-    ui->Combo1->clear();
-    for (int r = 0; r < doctores.recordCount(); ++r)
-        ui->Combo1->addItem(doctores.valueAt(r, QStringLiteral("Cod_doctor")).toString()
-                            + QStringLiteral(" - ")
-                            + doctores.valueAt(r, QStringLiteral("Nombre_doctor")).toString()
-                            + QLatin1Char(' ')
-                            + doctores.valueAt(r, QStringLiteral("Apellido_doctor")).toString());
-    ui->Combo1->setCurrentIndex(-1);   // the doctor may stay blank
-
-    ui->clinom->setEnabled(true);
-    ui->Factura->setEnabled(true);
-    setUpGrid(true);
+    if (const std::optional<std::int32_t> n = chooseOrder())
+        importar(*n);
 }
 
-void factura3::setUpGrid(bool firstLoad)
+void factura3::importar(std::int32_t orden)
 {
-    FlexGrid* g = ui->Factura;
-    g->setRows(2);
-    g->setCols(kCols);
-    g->clear();
-    g->setTextMatrix(0, Cantidad, QStringLiteral("CANTIDAD"));
-    g->setTextMatrix(0, Codigo, QStringLiteral("CÓDIGO"));
-    g->setTextMatrix(0, Descripcion, firstLoad ? QStringLiteral("                    DESCRIPCIÓN")
-                                               : QStringLiteral("DESCRIPCIÓN"));
-    g->setTextMatrix(0, PrecioU, QStringLiteral("PRECIO U"));
-    g->setTextMatrix(0, PrecioT, QStringLiteral("PRECIO T"));
-    g->setColWidth(Cantidad, 1100);
-    g->setColWidth(Descripcion, 6000);
-    g->setColWidth(PrecioT, 1400);
-    g->setRow(1);
-    g->setCol(Cantidad);
-}
-
-bool factura3::eventFilter(QObject* watched, QEvent* event)
-{
-    if (event->type() != QEvent::KeyPress || (watched != ui->clinom && watched != ui->clidir))
-        return QWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    // Focus moves on as everywhere else.
-    if (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)
-        return false;
-    // The patient comes only from the picker: Enter on the name opens it, and
-    // nothing is typed into either field.
-    if (watched == ui->clinom && isEnter(key))
-        guarded(QStringLiteral("elegir el paciente de la factura"), [this] { choosePatient(); });
-    return true;
-}
-
-void factura3::choosePatient()
-{
-    // Lines already typed belong to the patient before.
-    cancelar();
-    setUpGrid(false);
-    const auto p = tq::choosePatient(PatientCaller::Invoice);
-    if (!p)
+    const std::optional<StoredOrder> o = readOrder(orden);
+    if (!o)
         return;
-    ui->clinom->setText(p->name);
-    ui->clidir->setText(p->address);
-    m_fechaNacimiento = p->birth;
-    m_codPaciente = p->code;
-    m_codSeguro = p->insurer;
-    if (m_codSeguro != 0) {
-        Recordset seguro;
-        seguro.open(QStringLiteral("SELECT Empresa FROM seguros WHERE cod_seguro = ?"), {m_codSeguro});
-        ui->Label12->setText(QStringLiteral("Precios de: ")
-                             + (seguro.recordCount() ? seguro.text(QStringLiteral("Empresa")) : QString()));
-    } else {
-        ui->Label12->setText(QStringLiteral("Precios Normales"));
-    }
-    ui->Factura->setRow(1);
-    ui->Factura->setCol(Cantidad);
-    ui->Factura->setFocus();
-}
-
-void factura3::gridKey(int row, int col, QKeyEvent* event)
-{
-    if (!isTypedKey(event))
-        return;   // the grid moves its cursor
-    event->accept();
-    if (row < 1)
-        return;
-    if (ui->clinom->text().trimmed().isEmpty()) {
-        prompts().message(QStringLiteral("Debe ingresar el nombre."), Icon::Information, kWarning);
-        ui->clinom->setFocus();
-        return;
-    }
-    if (col != Cantidad && col != Codigo)
-        return;   // description and prices are the screen's own
-
-    FlexGrid* g = ui->Factura;
-    const QString cell = g->textMatrix(row, col);
-    if (event->key() == Qt::Key_Backspace) {
-        if (!cell.trimmed().isEmpty())
-            g->setTextMatrix(row, col, cell.left(cell.size() - 1));
-        return;
-    }
-    if (isEnter(event)) {
-        if (col == Codigo)
-            guarded(QStringLiteral("agregar el examen a la factura"), [this, row] { acceptLine(row); });
-        else if (!cell.trimmed().isEmpty())
-            guarded(QStringLiteral("buscar el examen"), [this, row] { chooseExam(row); });
-        return;
-    }
-    const QString t = event->text();
-    if (t.size() == 1 && t[0] >= QLatin1Char('0') && t[0] <= QLatin1Char('9'))
-        g->setTextMatrix(row, col, (cell + t).toUpper());
-}
-
-void factura3::chooseExam(int row)
-{
-    const auto exam = tq::chooseExam(ExamCaller::Invoice, m_codSeguro);
-    if (!exam)
-        return;
-    FlexGrid* g = ui->Factura;
-    if (row >= g->rows())
-        return;
-    g->setTextMatrix(row, Codigo, QString::number(exam->code));
-    // Enter on the code accepts the line.
-    g->setRow(row);
-    g->setCol(Codigo);
-    g->setFocus();
-}
-
-int factura3::lastLine() const { return ui->Factura->rows() - 2; }
-
-void factura3::acceptLine(int row)
-{
-    FlexGrid* g = ui->Factura;
-    const QString code = g->textMatrix(row, Codigo).trimmed().toUpper();
-    if (code.isEmpty())
-        return;
-    const bool newLine = g->textMatrix(row, Descripcion).trimmed().isEmpty();
-    const QString quantityText = g->textMatrix(row, Cantidad);
-    if (quantityText.trimmed().isEmpty()) {
-        prompts().message(QStringLiteral("La cantidad está vacia"), Icon::None, kWarning);
-        return;
-    }
-    const std::int32_t exam = toInt32(code);
-
-    // The patient's insurer (as picked) selects its list; no insurer, the
-    // catalogue price. An exam missing from the insurer's list is refused,
-    // never billed at the catalogue price.
-    Recordset price;
-    if (m_codSeguro != 0)
-        price.open(insurerPriceListSql()
-                       + QStringLiteral("AND Examenes.cod_descripcionexamen = ? LIMIT 1"),
-                   {m_codSeguro, exam});
-    else
-        price.open(QStringLiteral("SELECT examen, precio FROM Examenes "
-                                  "WHERE Cod_descripcionexamen = ? LIMIT 1"),
-                   {exam});
-    if (price.recordCount() == 0) {
-        prompts().message(QStringLiteral("el examen no tiene pecio asignado"), Icon::None, kTitle);
-        g->setTextMatrix(row, Codigo, QString());
-        g->setTextMatrix(row, Descripcion, QString());
-        g->setRow(row);
-        g->setCol(Cantidad);
-        return;
-    }
-    const double precio = Val(money(price.field(QStringLiteral("precio"))));
-    const double quantity = Val(quantityText);
-    g->setTextMatrix(row, Descripcion, price.text(QStringLiteral("examen")));
-    g->setTextMatrix(row, PrecioU, money(precio));
-    g->setTextMatrix(row, PrecioT, money(quantity * precio));
-    const bool onBlankRow = row == g->rows() - 1;
-    if (onBlankRow)
-        g->setRows(g->rows() + 1);   // always one blank row at the end
-    ui->generar->setEnabled(true);
-    ui->agregar->setEnabled(true);
-    ui->eliminar->setEnabled(true);
-
-    // One exam stands once on an invoice: a code keyed again on a new line
-    // adds its quantity to the line that has it; keyed again over a line, the
-    // line that had it keeps its quantity and takes the price just read.
-    for (int r = 1; r <= lastLine(); ++r) {
-        if (r == row || g->textMatrix(r, Codigo).trimmed().toUpper() != code)
-            continue;
-        double merged = Val(g->textMatrix(r, Cantidad));
-        if (newLine)
-            merged += quantity;
-        g->setTextMatrix(r, Cantidad, QString::number(merged));
-        g->setTextMatrix(r, PrecioT, money(merged * precio));
-        removeRow(row);
-        break;
-    }
-    g->setRow(g->rows() - 1);
-    g->setCol(Cantidad);
-}
-
-void factura3::removeRow(int row)
-{
-    FlexGrid* g = ui->Factura;
-    for (int r = row; r < g->rows() - 1; ++r)
-        for (int c = 0; c < kCols; ++c)
-            g->setTextMatrix(r, c, g->textMatrix(r + 1, c));
-    g->setRows(g->rows() - 1);
-}
-
-void factura3::eliminar()
-{
-    ui->guardarfact->setEnabled(false);
-    ui->Command1->setEnabled(false);
-    FlexGrid* g = ui->Factura;
-    const int row = m_clickedRow;
-    // Never the header, a blank row, nor the last row of a grid that has no other.
-    if (row > 0 && row < g->rows() && !g->textMatrix(row, Cantidad).isEmpty() && g->rows() > 2) {
-        removeRow(row);
-        m_clickedRow = 0;
-    }
-    for (QLineEdit* box : {ui->subtfact, ui->impfact, ui->Text1, ui->totfact})
-        box->clear();
-    if (nothingToTotal())
-        ui->generar->setEnabled(false);
-}
-
-bool factura3::nothingToTotal() const
-{
-    const FlexGrid* g = ui->Factura;
-    if (g->rows() < 3 || g->textMatrix(1, Codigo).trimmed().isEmpty())
-        return true;
-    return g->row() == 1 && g->text().trimmed().isEmpty();
-}
-
-void factura3::agregar()
-{
-    if (nothingToTotal()) {
-        ui->generar->setEnabled(false);
-        return;
-    }
-    ui->guardarfact->setEnabled(false);
-    ui->Command1->setEnabled(false);
-    ui->clinom->setEnabled(true);
-    ui->clidir->setEnabled(true);
-    ui->Combo1->setEnabled(true);
-    ui->Factura->setEnabled(true);
-    ui->generar->setEnabled(true);
-    for (QLineEdit* box : {ui->subtfact, ui->impfact, ui->Text1, ui->totfact})
-        box->clear();
-    ui->Label10->setText(kExtras);
-}
-
-void factura3::generar()
-{
-    if (nothingToTotal()) {
-        ui->generar->setEnabled(false);
-        return;
-    }
-    ui->Command1->setEnabled(true);
-    FlexGrid* g = ui->Factura;
-    // The subtotal adds the line amounts as shown, each rounded to cents.
-    double subtotal = 0;
-    for (int r = 1; r <= lastLine(); ++r) {
-        const QString amount = money(Val(g->textMatrix(r, PrecioU)) * Val(g->textMatrix(r, Cantidad)));
-        g->setTextMatrix(r, PrecioT, amount);
-        subtotal += Val(amount);
-    }
-    subtotal = Val(money(subtotal));
-    const double tax = 0;
-
-    double total = subtotal + tax;
-    const bool thirdAgeAuto = amb1().scalar(QStringLiteral("SELECT terceraedadauto FROM datos LIMIT 1")).toBool();
-    // The age is always today's, whatever date the invoice carries.
-    const int years = m_fechaNacimiento.isValid() ? calculoedad(m_fechaNacimiento).years : 0;
-    if (thirdAgeAuto && years >= 60) {
-        // DTE is a plain factor: 0.10 takes off a tenth.
-        const double factor = amb1().scalar(QStringLiteral("SELECT DTE FROM DTE LIMIT 1")).toDouble();
-        const QString discount = money(factor * subtotal);
-        ui->Text1->setText(discount);
-        ui->Label10->setText(QStringLiteral("Descuento:"));
-        total = subtotal + tax - Val(discount);
-    }
-    ui->subtfact->setText(money(subtotal));
-    ui->impfact->setText(money(tax));
-    ui->totfact->setText(money(total));
-
-    ui->guardarfact->setEnabled(true);
-    ui->guardarfact->setFocus();
-    ui->generar->setEnabled(false);
+    m_doc->cancelar();
+    m_orden = orden;
+    // The order's amounts as they were saved: nothing is priced again.
+    ui->subtfact->setText(money(o->subtotal));
+    ui->impfact->setText(money(0.0));
+    ui->totfact->setText(money(o->total));
+    ui->Text1->setText(money(o->valAdicional));
+    m_doc->setPatient(o->codPaciente, o->paciente, o->direccion, o->nacimiento, o->codSeguro,
+                      o->empresa);
+    ui->Label12->setText(o->codSeguro != 0 ? o->empresa : QStringLiteral("Precios Normales"));
+    ui->Label10->setText(o->adicional == QLatin1String("Recargo") ? QStringLiteral("Recargo:")
+                                                                  : QStringLiteral("Descuento:"));
     ui->Factura->setEnabled(false);
-    ui->clinom->setEnabled(false);
-    ui->clidir->setEnabled(false);
-    ui->Combo1->setEnabled(false);
-}
+    for (QPushButton* b : {ui->agregar, ui->eliminar, ui->guardarfact, ui->Command1})
+        b->setEnabled(true);
+    ui->Combo1->setCurrentIndex(o->doctor.isEmpty() ? -1 : ui->Combo1->findText(o->doctor));
 
-QString factura3::subtotalText() const { return ui->subtfact->text(); }
-
-void factura3::applyExtra(const QString& caption, const QString& extra, const QString& total)
-{
-    ui->Label10->setText(caption);
-    ui->Text1->setText(extra);
-    ui->totfact->setText(total);
-}
-
-void factura3::descuentoRecargo()
-{
-    if (ui->subtfact->text().trimmed().isEmpty()) {
-        prompts().message(QStringLiteral("Primero debe Generar a factura"), Icon::None, kTitle);
+    m_doc->setUpGrid(false);
+    if (o->lines.isEmpty()) {
+        prompts().message(QStringLiteral("no hay Ordenes creadas"), Icon::None, kTitle);
         return;
     }
-    state().discountBoxFor = 1;
-    setExtraTarget(1, this);
-    const bool askAdmin = amb1().scalar(QStringLiteral("SELECT pidecontrasena FROM datos LIMIT 1")).toBool();
-    // With the switch on an administrator signs first; Form11 then opens the box.
-    openModal(askAdmin ? QStringLiteral("Form11") : QStringLiteral("Form10"));
+    FlexGrid* g = ui->Factura;
+    g->setRows(int(o->lines.size()) + 2);   // the lines and the blank row
+    for (int i = 0; i < o->lines.size(); ++i) {
+        const StoredOrder::Line& l = o->lines.at(i);
+        g->setTextMatrix(i + 1, DocumentComposer::Cantidad, QString::number(l.cantidad));
+        g->setTextMatrix(i + 1, DocumentComposer::Codigo, QString::number(l.codigo));
+        g->setTextMatrix(i + 1, DocumentComposer::Descripcion, l.examen);
+        g->setTextMatrix(i + 1, DocumentComposer::PrecioU, money(l.precio));
+        g->setTextMatrix(i + 1, DocumentComposer::PrecioT, money(l.subtotal));
+    }
+    ui->guardarfact->setFocus();
 }
 
 void factura3::guardarfact()
@@ -464,7 +171,8 @@ void factura3::guardarfact()
 void factura3::chargeOrCollect()
 {
     Recordset paciente;
-    paciente.open(QStringLiteral("SELECT asegurado FROM Pacientes WHERE cod_paciente = ?"), {m_codPaciente});
+    paciente.open(QStringLiteral("SELECT asegurado FROM Pacientes WHERE cod_paciente = ?"),
+                  {m_doc->patient()});
     if (paciente.recordCount() == 0) {
         prompts().message(QStringLiteral("El paciente de esta factura ya no está registrado. "
                                          "Elija el paciente de nuevo."),
@@ -496,47 +204,11 @@ void factura3::savePaid(const Payment& payment, bool credit)
     save(credit ? Settlement::Credit : Settlement::Paid, payment);
 }
 
-InvoiceDocument factura3::document() const
-{
-    InvoiceDocument doc;
-    doc.numero = m_numero;
-    doc.fecha = ui->DT->date();
-    doc.faturado = state().currentUser;
-    doc.codPaciente = m_codPaciente;
-    doc.subtotal = money(Val(ui->subtfact->text()));
-    doc.total = money(Val(ui->totfact->text()));
-    if (m_fechaNacimiento.isValid())
-        doc.edad = calculoedad(m_fechaNacimiento).text;
-    const QString doctor = ui->Combo1->currentText();
-    if (!doctor.trimmed().isEmpty())
-        doc.codDoctor = toInt32(doctor);   // the leading digits are the doctor's code
-    if (!ui->Text1->text().trimmed().isEmpty()) {
-        doc.valAdicional = money(Val(ui->Text1->text()));
-        if (ui->Label10->text() == QLatin1String("Descuento:"))
-            doc.adicional = QStringLiteral("Descuento");
-        else if (ui->Label10->text() == QLatin1String("Recargo:"))
-            doc.adicional = QStringLiteral("Recargo");
-    }
-    const FlexGrid* g = ui->Factura;
-    for (int r = 1; r <= lastLine(); ++r) {
-        InvoiceLine line;
-        line.cantidad = toInt32(g->textMatrix(r, Cantidad));
-        line.codigo = toInt32(g->textMatrix(r, Codigo).trimmed().toUpper());
-        line.subtotal = money(Val(g->textMatrix(r, PrecioT)));
-        if (line.cantidad < 1 || line.cantidad > kMaxQuantity)
-            throw AppError(QStringLiteral("La cantidad de %1 debe estar entre 1 y %2.")
-                               .arg(g->textMatrix(r, Descripcion).trimmed())
-                               .arg(kMaxQuantity));
-        doc.lines << line;
-    }
-    return doc;
-}
-
 void factura3::save(Settlement settlement, const Payment& payment)
 {
     const bool insurer = settlement == Settlement::Insurer;
     if (!insurer) {
-        if (Val(ui->totfact->text()) == 0) {
+        if (m_doc->zeroTotal()) {
             prompts().message(QStringLiteral("La factura no puede ser Cero (0)"), Icon::None, kTitle);
             return;
         }
@@ -548,21 +220,32 @@ void factura3::save(Settlement settlement, const Payment& payment)
             return;
     }
     SaveOutcome out;
+    QString refusal;
     const bool saved = guardedSaying(
         QStringLiteral("La factura no se guardó y no quedó escrita ninguna parte de ella; "
                        "puede intentar guardarla de nuevo."),
         [&] {
-            const InvoiceDocument doc = document();
+            PricedDocument doc = m_doc->document();
+            doc.numero = m_numero;
+            doc.orden = m_orden;
             // An insured patient who pays at the desk owes the insurer nothing.
             const bool asegurado = amb1()
                                        .scalar(QStringLiteral("SELECT asegurado FROM Pacientes "
                                                               "WHERE cod_paciente = ?"),
-                                               {m_codPaciente})
+                                               {m_doc->patient()})
                                        .toBool();
             const bool withCxc = insurer || (asegurado && state().pagoPacienteAsegurado == 0);
-            out = saveInvoice(doc, settlement, payment, withCxc, insurer ? nullptr : &cardDetails());
+            try {
+                out = saveInvoice(doc, settlement, payment, withCxc,
+                                  insurer ? nullptr : &cardDetails());
+            } catch (const OrderAlreadyBilled& e) {
+                // Another station billed the order first; nothing was written.
+                refusal = e.message();
+            }
         });
-    if (!saved)
+    if (!refusal.isEmpty())
+        prompts().message(refusal, Icon::Exclamation, kTitle);
+    if (!saved || !refusal.isEmpty())
         return;
     if (!insurer)
         cardDetails().entered = false;
@@ -576,32 +259,15 @@ void factura3::save(Settlement settlement, const Payment& payment)
         showNumber();
     }
     prompts().message(QStringLiteral("La factura se guardo Satisfactoriamente."), Icon::Information, kTitle);
-    showSaved();
+    m_doc->showSaved();
+    ui->importaOrden->setEnabled(false);
     pausa();
-}
-
-void factura3::showSaved()
-{
-    m_saved = 1;
-    ui->guardarfact->setEnabled(false);
-    ui->imprimir->setEnabled(true);
-    ui->Otrafact->setEnabled(true);
-    for (QLineEdit* box : {ui->subtfact, ui->totfact, ui->impfact}) {
-        QPalette pal = box->palette();
-        pal.setColor(QPalette::Text, QColor(255, 0, 0));
-        box->setPalette(pal);
-    }
-    for (QWidget* w : std::initializer_list<QWidget*>{ui->Factura, ui->clinom, ui->clidir, ui->Combo1})
-        w->setEnabled(false);
 }
 
 void factura3::quitarorden()
 {
-    if (m_orden == 0)
-        return;
-    amb1().execute(QStringLiteral("UPDATE orden SET anulada = ?, anulacion = ?, quien_anulo = ? "
-                                  "WHERE orden = ?"),
-                   {true, QDate::currentDate(), state().currentUser, m_orden});
+    if (m_orden != 0)
+        closeOrders({m_orden}, state().currentUser);
 }
 
 void factura3::imprimir()
@@ -625,64 +291,4 @@ void factura3::imprimir()
         if (auto* cancel = w->findChild<QAbstractButton*>(QStringLiteral("Command2")))
             cancel->setEnabled(false);
     });
-}
-
-void factura3::cancelar()
-{
-    ui->clinom->clear();
-    ui->clidir->clear();
-    ui->Label12->clear();
-    ui->Factura->clear();
-    for (QLineEdit* box : {ui->subtfact, ui->totfact, ui->impfact, ui->Text1})
-        box->clear();
-    ui->Combo1->setCurrentIndex(-1);
-    for (QPushButton* b : {ui->generar, ui->imprimir, ui->agregar, ui->eliminar, ui->guardarfact})
-        b->setEnabled(false);
-    ui->Label10->setText(kExtras);
-    m_codPaciente = 0;
-    m_codSeguro = 0;
-    m_fechaNacimiento = QDate();
-    m_clickedRow = 0;
-    // Back to an empty invoice: the patient and the lines can be chosen again.
-    ui->clinom->setEnabled(true);
-    ui->clidir->setEnabled(true);
-    ui->Combo1->setEnabled(true);
-    ui->Factura->setEnabled(true);
-}
-
-void factura3::limpiar()
-{
-    if (m_saved == 1)
-        return;
-    cancelar();
-    setUpGrid(false);
-}
-
-void factura3::otraFactura()
-{
-    if (prompts().message(QStringLiteral("Desea Ingresar Otra factura"), Icon::Question,
-                          QStringLiteral("Ingresar Factura..."), Buttons::YesNo)
-        != Answer::Yes)
-        return;
-    // A fresh screen proposes the next number.
-    auto* sw = qobject_cast<QMdiSubWindow*>(parentWidget());
-    QMdiArea* area = sw ? sw->mdiArea() : nullptr;
-    const QPoint place = sw ? sw->pos() : pos();
-    if (sw)
-        sw->close();
-    else
-        close();
-    QWidget* next = ScreenRegistry::instance().create(QStringLiteral("factura3"));
-    next->setAttribute(Qt::WA_DeleteOnClose);
-    if (area) {
-        QMdiSubWindow* nsw = area->addSubWindow(next);
-        nsw->setAttribute(Qt::WA_DeleteOnClose);
-        connect(next, &QObject::destroyed, nsw, &QObject::deleteLater);
-        nsw->move(place);
-        nsw->show();
-    } else {
-        next->move(place);
-        next->show();
-    }
-    next->setFocus();
 }

@@ -1,26 +1,16 @@
 #include "billing/invoice/invoicesave.h"
 
+#include "billing/orders/ordersave.h"
+
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
+#include "foundation/data/numbering.h"
+
 
 namespace tq {
 
-namespace {
 
-// The proposed number, or the next free one when it is taken already.
-std::int32_t freeNumber(std::int32_t proposed)
-{
-    const QVariant taken = amb1().scalar(
-        QStringLiteral("SELECT 1 FROM Factura WHERE factura = ? LIMIT 1"), {proposed});
-    if (!taken.isValid())
-        return proposed;
-    const QVariant last = amb1().scalar(QStringLiteral("SELECT MAX(factura) FROM Factura"));
-    return toInt32(double(toInt32(last)) + 1);
-}
-
-}  // namespace
-
-SaveOutcome saveInvoice(const InvoiceDocument& doc, Settlement settlement, const Payment& payment,
+SaveOutcome saveInvoice(const PricedDocument& doc, Settlement settlement, const Payment& payment,
                         bool withCxc, const CardDetails* card)
 {
     const bool insurer = settlement == Settlement::Insurer;
@@ -29,7 +19,7 @@ SaveOutcome saveInvoice(const InvoiceDocument& doc, Settlement settlement, const
 
     Transaction t;
     SaveOutcome out;
-    out.numero = freeNumber(doc.numero);
+    out.numero = freeNumber(doc.numero, QStringLiteral("Factura"), QStringLiteral("factura"));
     out.renumbered = out.numero != doc.numero;
     const std::int32_t n = out.numero;
 
@@ -54,7 +44,7 @@ SaveOutcome saveInvoice(const InvoiceDocument& doc, Settlement settlement, const
     }
     amb1().insert(QStringLiteral("Factura"), cols, vals);
 
-    for (const InvoiceLine& line : doc.lines)
+    for (const PricedLine& line : doc.lines)
         amb1().insert(QStringLiteral("FacturaDetalle"),
                       {QStringLiteral("factura"), QStringLiteral("cantidad"),
                        QStringLiteral("cod_descripcionexamen"), QStringLiteral("subtotal")},
@@ -74,9 +64,32 @@ SaveOutcome saveInvoice(const InvoiceDocument& doc, Settlement settlement, const
                        QStringLiteral("num_tarjeta"), QStringLiteral("num_identidad")},
                       {n, card->cargo, card->nombre, card->identidad});
 
+    if (doc.orden != 0)
+        markOrderBilled(doc.orden, n, doc.faturado);
     feedWorkTable(n);
     t.commit();
     return out;
+}
+
+OrderAlreadyBilled::OrderAlreadyBilled(std::int32_t orden, std::int32_t factura)
+    : AppError(QStringLiteral("La orden %1 ya fue facturada en la factura %2. Esta factura no se "
+                              "guardó.")
+                   .arg(orden)
+                   .arg(factura))
+{
+}
+
+void markOrderBilled(std::int32_t orden, std::int32_t factura, const QString& user)
+{
+    // Checked under the write lock: of two stations that imported the same
+    // order, the second to save finds it billed and writes nothing.
+    const QVariant billedBy =
+        amb1().scalar(QStringLiteral("SELECT factura FROM orden WHERE orden = ?"), {orden});
+    if (billedBy.isValid() && !billedBy.isNull())
+        throw OrderAlreadyBilled(orden, toInt32(billedBy));
+    // Billed is closed: by the same save, whatever comes after it.
+    amb1().execute(QStringLiteral("UPDATE orden SET factura = ? WHERE orden = ?"), {factura, orden});
+    closeOrders({orden}, user);
 }
 
 void feedWorkTable(std::int32_t factura)

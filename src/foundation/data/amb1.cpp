@@ -336,6 +336,7 @@ void Amb1::prepareOpened(const QStringList& present, const QString& where)
         // A store made by an earlier version is brought up to this one.
         if (!fresh)
             schema::upgrade(p->db, present);
+        schema::searchIndexes(p->db, present);
         schema::syncCounters(p->db);
     } catch (...) {
         closeStore();

@@ -175,6 +175,11 @@ private:
 
 inline Amb1& amb1() { return Amb1::instance(); }
 
+// The store's LIKE pattern (escaped by a backslash) for a classic one ("*ana*"): it
+// lets through at least the rows the classic one matches, for a query that
+// narrows first and leaves the last word to a recordset's filter.
+QString storeLikePattern(const QString& classic);
+
 // "servidor HOST, base DB" for a libpq connection text, without its password.
 QString serverDescription(const QString& connection);
 

@@ -728,3 +728,9 @@ std::optional<StoreCondition> Filter::toStore(const std::function<QString(int)>&
 }
 
 }  // namespace tq::detail
+
+namespace tq {
+
+QString storeLikePattern(const QString& classic) { return detail::filterimpl::likePattern(classic); }
+
+}  // namespace tq

@@ -200,7 +200,8 @@ const std::vector<Table>& tables()
           {"valadicional", kMoney},
           {"anulada", kYesNo},
           {"anulacion", kDate},
-          {"quien_anulo", kUser}}},
+          {"quien_anulo", kUser},
+          {"factura", kInt}}},   // the invoice that billed the order
         {"ordenDetalle",
          {{"orden", kInt},
           {"cod_descripcionexamen", kInt},
@@ -322,6 +323,7 @@ const std::vector<Index>& indexes()
         {"Datostarjeta", {"factura"}},
         {"orden", {"cod_paciente"}},
         {"orden", {"fecha"}},
+        {"orden", {"factura"}},
         {"ordenDetalle", {"orden"}},
         {"valparametros", {"cod_parametro"}},
         {"PlantillaParametro", {"Cod_Plantilla", "version"}},
@@ -688,6 +690,22 @@ void seedFirstStart(const QSqlDatabase& db)
                                     "VALUES (?, ?)"),
                  {code, modulo}, failure);
     });
+}
+
+void searchIndexes(const QSqlDatabase& db, const QStringList& present)
+{
+    // A name searched anywhere in it ("*mart*") can't use an ordinary index:
+    // the server keeps the names' trigrams, and finds the few patients who
+    // bear it among a hundred thousand without reading every name. Without
+    // the extension the search still works, reading them all.
+    const QString name = QStringLiteral("ix_Pacientes_nombre_trigramas");
+    if (db.driverName() != QLatin1String("QPSQL") || present.contains(name, Qt::CaseInsensitive))
+        return;
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("CREATE EXTENSION IF NOT EXISTS pg_trgm")))
+        q.exec(QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON Pacientes "
+                              "USING gin (nombre_paciente gin_trgm_ops)")
+                   .arg(name));
 }
 
 void upgrade(const QSqlDatabase& db, const QStringList& present)

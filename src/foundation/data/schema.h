@@ -40,6 +40,11 @@ void seedFirstStart(const QSqlDatabase& db);
 // Throws DbError.
 void upgrade(const QSqlDatabase& db, const QStringList& present);
 
+// On the server, the indexes of names searched anywhere in them (trigrams),
+// when the store lacks them and the server has the extension; nothing
+// otherwise. Never fails: the searches work without them, only slower.
+void searchIndexes(const QSqlDatabase& db, const QStringList& present);
+
 // Runs one statement on the connection with the values bound and returns the
 // executed query (for its rows or the key it gave). Throws DbError(failure, ...).
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& binds,

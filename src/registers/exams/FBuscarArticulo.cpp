@@ -34,6 +34,7 @@ FBuscarArticulo::FBuscarArticulo(ExamCaller caller, std::int32_t insurer, QWidge
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("FBuscarArticulo"));
+    ui->Label2->hide();   // until a caller says whose prices these are
     setAttribute(Qt::WA_DeleteOnClose);
 
     FlexGrid* g = ui->Grid1;
@@ -66,6 +67,12 @@ FBuscarArticulo::FBuscarArticulo(ExamCaller caller, std::int32_t insurer, QWidge
 }
 
 FBuscarArticulo::~FBuscarArticulo() = default;
+
+void FBuscarArticulo::setTitle(const QString& title)
+{
+    ui->Label2->setText(title);
+    ui->Label2->setVisible(!title.isEmpty());
+}
 
 int FBuscarArticulo::fill(const QString& sql, const QVariantList& binds)
 {
@@ -138,12 +145,13 @@ void FBuscarArticulo::choose(int row)
 
 namespace tq {
 
-std::optional<ChosenExam> chooseExam(ExamCaller caller, std::int32_t insurer)
+std::optional<ChosenExam> chooseExam(ExamCaller caller, std::int32_t insurer, const QString& title)
 {
     std::optional<ChosenExam> choice;
     const std::int16_t before = state().articlePicker;
     state().articlePicker = static_cast<std::int16_t>(caller);
     auto* picker = new FBuscarArticulo(caller, insurer);
+    picker->setTitle(title);
     picker->setOnChosen([&choice](const ChosenExam& e) { choice = e; });
     try {
         prompts().showModal(picker);

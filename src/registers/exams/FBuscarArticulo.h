@@ -21,6 +21,8 @@ public:
     ~FBuscarArticulo() override;
 
     tq::ExamCaller caller() const { return m_caller; }
+    // The title over the list: whose prices it lists.
+    void setTitle(const QString& title);
     // Called with the row the user chose, just before the picker closes.
     void setOnChosen(std::function<void(const tq::ChosenExam&)> f) { m_onChosen = std::move(f); }
 
