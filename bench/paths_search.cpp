@@ -66,18 +66,18 @@ const char* const kJoin = " FROM Pacientes INNER JOIN Factura ON Pacientes.cod_p
 const char* const kPorFecha =
     "SELECT Factura.fecha, Factura.factura, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
-// By name the patients are read first.
 const char* const kPorNombre =
     "SELECT Pacientes.nombre_paciente, Pacientes.apellido_paciente, Factura.fecha, "
-    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
-    "FROM Pacientes CROSS JOIN Factura WHERE Pacientes.cod_paciente = Factura.cod_paciente";
+    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
 const char* const kPorNumero =
     "SELECT Factura.factura, Factura.fecha, Factura.cod_paciente, Pacientes.nombre_paciente, "
     "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
 
-QString sql(const char* columns, const char* condition = "")
+// Every order of the list reads in invoice number order.
+QString sql(const char* columns, const char* condition = "", const char* limit = "")
 {
-    return QLatin1String(columns) + QLatin1String(kJoin) + QLatin1String(condition);
+    return QLatin1String(columns) + QLatin1String(kJoin) + QLatin1String(condition)
+           + QLatin1String(" ORDER BY Factura.factura") + QLatin1String(limit);
 }
 
 // The list reads its first 1000 rows; scrolling to their end reads more.
@@ -94,7 +94,7 @@ void addSearchPaths(Bench& bench, const Context& c)
                    delete screen;
                    return rows;
                },
-               .floor = [c] { return Stmt(c.bare, sql(kPorFecha, kFirst)).readAll(); },
+               .floor = [c] { return Stmt(c.bare, sql(kPorFecha, "", kFirst)).readAll(); },
                // Building the screen's widgets (about 3 ms) is in the path, not in the floor.
                .target = {.ceilingMs = 300.0, .smallFloorMs = 15.0},
                .note = QStringLiteral("the screen made and \"Aplicar Filtro\" pressed: the first "
@@ -116,9 +116,15 @@ void addSearchPaths(Bench& bench, const Context& c)
     bench.add({.name = QStringLiteral("invoice search by name, one keystroke (Form9)"),
                .run = [] { return loaded("Option2").keystroke(QStringLiteral("Mar"), QStringLiteral("t")); },
                .floor = [c] {
-                   return Stmt(c.bare, QLatin1String(kPorNombre)
-                                           + " AND Pacientes.nombre_paciente LIKE ?" + kFirst)
-                       .readAll(QStringLiteral("%Mart%"));
+                   // The patients named first, their invoices in number order, the
+                   // name checked again as the list's filter does.
+                   const QString mart = QStringLiteral("%Mart%");
+                   return Stmt(c.bare, sql(kPorNombre,
+                                           " WHERE Factura.cod_paciente IN (SELECT cod_paciente FROM "
+                                           "Pacientes WHERE nombre_paciente LIKE ?) "
+                                           "AND Pacientes.nombre_paciente LIKE ?",
+                                           kFirst))
+                       .readAll(mart, mart);
                },
                .note = QStringLiteral("\"Mart\" anywhere in the patient's name: 4637 invoices, "
                                       "the first 1000 read")});

@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <functional>
 
 using namespace tq;
 using namespace tq::test;
@@ -344,6 +345,98 @@ private slots:
         toTheEnd();
         QCOMPARE(grid->rows(), 1252);
         QCOMPARE(grid->findRow("nombre_paciente", "Ana"), -1);
+        QVERIFY(sp.messages().isEmpty());
+    }
+
+    // The list reads in invoice number order whatever order the store keeps: invoices stored out of
+    // number order, more than a first reading, in each of the three orders, as first read, after
+    // scrolling, and narrowed.
+    void searchReadsInNumberOrder()
+    {
+        ScriptedPrompts& sp = *m_sp;
+        const int ana = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'Ana'").toInt();
+        const int darcy = value("SELECT cod_paciente FROM Pacientes WHERE nombre_paciente = 'D''Arcy'").toInt();
+        // Names whose index order is not the number order; Beto's take no "a".
+        const int patients[] = {addPatient("Zoila", "Cruz"), ana, addPatient("Beto", "Mejia"), darcy};
+        {
+            // 2600 numbers, stored in a scattered order: 7919 is prime to 2600.
+            Transaction t;
+            for (int k = 0; k < 2600; ++k) {
+                const int n = 10 + (k * 7919) % 2600;
+                amb1().insert("Factura", {"factura", "fecha", "cod_paciente", "total"},
+                              {n, n % 5 ? kDay : kDay.addDays(1), patients[n % 4], "10.00"});
+            }
+            t.commit();
+        }
+        QWidget* w = openScreen("Form9");
+        w->resize(800, 400);
+        auto* grid = control<DataGrid>(w, "DataGrid1");
+        auto shown = [grid] {
+            QList<int> out;
+            for (int r = 0; r < grid->rows(); ++r)
+                out << grid->value(r, "factura").toInt();
+            return out;
+        };
+        auto toTheEnd = [grid] {
+            QCoreApplication::processEvents();
+            grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum());
+            QCoreApplication::processEvents();
+        };
+        // What each case must show, as the store answers when asked for the order.
+        auto expected = [](const QString& where, const QVariantList& binds = {}) {
+            QList<int> out;
+            Recordset rs;
+            rs.open("SELECT Factura.factura FROM Factura INNER JOIN Pacientes ON Pacientes.cod_paciente = "
+                    "Factura.cod_paciente" + where + " ORDER BY Factura.factura",
+                    binds);
+            for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+                out << rs.field("factura").toInt();
+            return out;
+        };
+        const QList<int> all = expected("");
+        QCOMPARE(all.size(), 2604);
+
+        struct Case {
+            const char* option;
+            std::function<void()> narrow;
+            QList<int> narrowed;
+        };
+        const Case cases[] = {
+            {"Option1", [w] { control<QDateEdit>(w, "DTPicker1")->setDate(kDay); },
+             expected(" WHERE Factura.fecha = ?", {kDay})},
+            {"Option2", [w] { retype(edit(w, "Text1"), "a"); },
+             expected(" WHERE Pacientes.nombre_paciente <> 'Beto'")},
+            {"Option3", [w] { retype(edit(w, "Text1"), "1500"); }, {1500}},
+        };
+        for (const Case& c : cases) {
+            tick(control<QRadioButton>(w, c.option));
+            control<QDateEdit>(w, "DTPicker1")->blockSignals(true);
+            control<QDateEdit>(w, "DTPicker1")->setDate(kDay.addDays(-1));
+            control<QDateEdit>(w, "DTPicker1")->blockSignals(false);
+            press(w, "Command1", sp);
+            const int first = grid->rows();
+            QVERIFY2(first > 0 && first < all.size(), c.option);
+            QCOMPARE(shown(), all.mid(0, first));
+            toTheEnd();
+            QCOMPARE(shown(), all);
+
+            press(w, "Command1", sp);
+            c.narrow();
+            QCOMPARE(shown(), c.narrowed.mid(0, first));
+            if (c.narrowed.size() > first) {
+                toTheEnd();
+                QCOMPARE(shown(), c.narrowed);
+            }
+        }
+        // A day chosen after a name narrows the whole list again, not the name's invoices.
+        tick(control<QRadioButton>(w, "Option2"));
+        press(w, "Command1", sp);
+        retype(edit(w, "Text1"), "a");
+        QCOMPARE(shown(), cases[1].narrowed.mid(0, grid->rows()));
+        control<QDateEdit>(w, "DTPicker1")->setDate(kDay.addDays(-1));
+        control<QDateEdit>(w, "DTPicker1")->setDate(kDay);
+        QCOMPARE(shown(), cases[0].narrowed.mid(0, grid->rows()));
+        QVERIFY(grid->rows() > 0);
         QVERIFY(sp.messages().isEmpty());
     }
 };

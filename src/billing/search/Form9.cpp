@@ -23,25 +23,33 @@ namespace {
 
 Recordset& consultas() { return amb1().rs(QStringLiteral("rsconsultas")); }
 
-// The three orders of the list, all over the same join. By name the
-// patients are read first, so that a name narrows the patients before their
-// invoices are looked up.
+// The three orders of the list, all over the same join and all in invoice
+// number order, so that the first rows read (and those read as the list is
+// scrolled) are the same on every engine, narrowed or not.
 const char* const kPorFecha =
     "SELECT Factura.fecha, Factura.factura, Factura.cod_paciente, Pacientes.nombre_paciente, "
-    "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
-    "FROM Pacientes INNER JOIN Factura ON Pacientes.cod_paciente = Factura.cod_paciente";
+    "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
 const char* const kPorNombre =
     "SELECT Pacientes.nombre_paciente, Pacientes.apellido_paciente,Factura.fecha, "
-    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
-    "FROM Pacientes CROSS JOIN Factura WHERE Pacientes.cod_paciente = Factura.cod_paciente";
+    "Factura.factura, Factura.cod_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
 const char* const kPorNumero =
     "SELECT Factura.factura, factura.fecha, Factura.cod_paciente, Pacientes.nombre_paciente, "
-    "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura "
-    "FROM Pacientes INNER JOIN Factura ON Pacientes.cod_paciente = Factura.cod_paciente";
+    "Pacientes.apellido_paciente, Factura.total, Factura.faturado, Factura.tipo_factura";
+const char* const kJoin =
+    " FROM Pacientes INNER JOIN Factura ON Pacientes.cod_paciente = Factura.cod_paciente";
+const char* const kInNumberOrder = " ORDER BY Factura.factura";
+// Narrowed by a name, the patients who bear it are found first and their
+// invoices are walked in number order: left to itself, a planner walks every
+// invoice looking up its patient until enough of them match.
+const char* const kOfNamedPatients =
+    " WHERE Factura.cod_paciente IN (SELECT cod_paciente FROM Pacientes "
+    "WHERE nombre_paciente LIKE ? ESCAPE '\\')";
 
-QString orderSql(int order)
+QString orderSql(int order, bool byName = false)
 {
-    return QLatin1String(order == 1 ? kPorFecha : order == 2 ? kPorNombre : kPorNumero);
+    return QLatin1String(order == 1 ? kPorFecha : order == 2 ? kPorNombre : kPorNumero)
+           + QLatin1String(kJoin) + (byName ? QLatin1String(kOfNamedPatients) : QLatin1String())
+           + QLatin1String(kInNumberOrder);
 }
 
 // Rows read when the list is loaded: some screenfuls. Scrolling to the end
@@ -112,9 +120,21 @@ void Form9::aplicarFiltro()
         rs.close();
     const int order = ui->Option1->isChecked() ? 1 : ui->Option2->isChecked() ? 2 : 3;
     m_rowsRead = kFirstRows;
-    rs.open(orderSql(order), {}, m_rowsRead);
     m_order = order;
+    m_name.clear();
+    reopen();
     refill();
+}
+
+void Form9::reopen()
+{
+    Recordset& rs = consultas();
+    if (rs.isOpen())
+        rs.close();
+    if (m_name.isEmpty())
+        rs.open(orderSql(m_order), {}, m_rowsRead);
+    else
+        rs.open(orderSql(m_order, true), {storeLikePattern(m_name)}, m_rowsRead);
 }
 
 void Form9::refill()
@@ -137,8 +157,7 @@ void Form9::readMore()
     const QString filter = rs.filter();
     m_rowsRead = m_rowsRead > std::numeric_limits<int>::max() / 4 ? std::numeric_limits<int>::max()
                                                                   : m_rowsRead * 4;
-    rs.close();
-    rs.open(orderSql(m_order), {}, m_rowsRead);
+    reopen();
     if (!filter.isEmpty())
         rs.setFilter(filter);
     m_refilling = true;
@@ -148,11 +167,19 @@ void Form9::readMore()
     m_refilling = false;
 }
 
-void Form9::narrow(const QString& filter)
+void Form9::narrow(const QString& filter, const QString& name)
 {
     // Only the list this screen loaded is narrowed.
     if (m_order == 0 || !consultas().isOpen())
         return;
+    // A name reads that patient's invoices afresh; any other criterion
+    // narrows the whole list again.
+    if (name != m_name) {
+        m_name = name;
+        consultas().setFilter(QString());
+        reopen();
+    }
+    // The list's own filter, as the laboratory writes it, has the last word.
     consultas().setFilter(filter);
     refill();
 }
@@ -168,8 +195,8 @@ void Form9::textChanged()
     if (typed.trimmed().isEmpty())
         return;
     if (ui->Option2->isChecked()) {
-        narrow(QStringLiteral("nombre_paciente like '*") + quotedInFilter(typed)
-               + QStringLiteral("*'"));
+        narrow(QStringLiteral("nombre_paciente like '*") + quotedInFilter(typed) + QStringLiteral("*'"),
+               QLatin1Char('*') + typed + QLatin1Char('*'));
     } else if (ui->Option3->isChecked()) {
         // A number with decimals names no invoice: the filter keeps it and finds none.
         const std::optional<std::int32_t> n = typedInvoiceNumber(typed);

@@ -26,12 +26,16 @@ protected:
     void readMore();
     // Shows the rows the list holds now, from the top.
     void refill();
-    // Narrows the list already loaded; no new query.
-    void narrow(const QString& filter);
+    // Narrows the list already loaded by its filter text; a name (a classic
+    // pattern) reads the invoices of the patients who bear it first.
+    void narrow(const QString& filter, const QString& name = {});
+    // Opens the list's query: the loaded order, the patients named, the rows read.
+    void reopen();
 
 private:
     std::unique_ptr<Ui::Form9> ui;
     int m_order = 0;      // the option the list was loaded with (1 to 3); 0 before any
     int m_rowsRead = 0;   // rows the list reads at most, now
+    QString m_name;       // the name pattern the list was read for; empty for every patient
     bool m_refilling = false;
 };
