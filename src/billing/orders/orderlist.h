@@ -1,7 +1,7 @@
 #pragma once
-// The pending orders (not cancelled, not billed) as the order search and the
-// order cancelling list them: number, date "dd/mm/yyyy" and the patient's
-// name, read in one query. Both screens show them in a grid of those three
+// The pending orders (neither cancelled nor billed: either closes them) as
+// the order search and the order cancelling list them: number, date
+// "dd/mm/yyyy" and the patient's name, read in one query. Both screens show them in a grid of those three
 // columns and sort it in place.
 #include <QDate>
 #include <QString>
