@@ -269,6 +269,12 @@ private slots:
         QCOMPARE(rowsIn("EvaluadoTemporal"), work);
         QVERIFY(on(w, "guardarfact"));
 
+        // An order without an extra brings none.
+        const int plain = saveAnOrder(lab.particular, {{1, lab.glucosa, 10.5}});
+        invoice->importar(plain);
+        QCOMPARE((QStringList{label(w, "Label10"), edit(w, "Text1")->text(), edit(w, "totfact")->text()}),
+                 (QStringList{"Extras:", "", "10.50"}));
+
         // A new patient on the screen leaves the order behind.
         pickPatient(w, sp, "Asegurada");
         QCOMPARE(invoice->importedOrder(), 0);

@@ -132,12 +132,16 @@ void factura3::importar(std::int32_t orden)
     ui->subtfact->setText(money(o->subtotal));
     ui->impfact->setText(money(0.0));
     ui->totfact->setText(money(o->total));
-    ui->Text1->setText(money(o->valAdicional));
+    // An order without a discount or surcharge brings none: its invoice
+    // stores no extra of 0 under a kind it never had.
+    const bool extra = !o->adicional.isEmpty();
+    ui->Text1->setText(extra ? money(o->valAdicional) : QString());
     m_doc->setPatient(o->codPaciente, o->paciente, o->direccion, o->nacimiento, o->codSeguro,
                       o->empresa);
     ui->Label12->setText(o->codSeguro != 0 ? o->empresa : QStringLiteral("Precios Normales"));
-    ui->Label10->setText(o->adicional == QLatin1String("Recargo") ? QStringLiteral("Recargo:")
-                                                                  : QStringLiteral("Descuento:"));
+    ui->Label10->setText(!extra                                      ? QStringLiteral("Extras:")
+                         : o->adicional == QLatin1String("Recargo") ? QStringLiteral("Recargo:")
+                                                                    : QStringLiteral("Descuento:"));
     ui->Factura->setEnabled(false);
     for (QPushButton* b : {ui->agregar, ui->eliminar, ui->guardarfact, ui->Command1})
         b->setEnabled(true);
