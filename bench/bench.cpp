@@ -1,12 +1,14 @@
 #include "bench.h"
 
 #include "foundation/base/apperror.h"
+#include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTextStream>
+#include <QWidget>
 #include <algorithm>
 #include <csignal>
 #include <cstring>
@@ -93,6 +95,51 @@ QString Target::text() const
 }
 
 void Bench::add(Path path) { m_paths.push_back(std::move(path)); }
+
+tq::PricedDocument benchDocument(qint64 numero, int patient, const std::vector<int>& exams,
+                                 int firstQuantity)
+{
+    tq::PricedDocument doc;
+    doc.numero = tq::toInt32(double(numero));
+    doc.fecha = QDate::currentDate();
+    doc.faturado = QStringLiteral("bench");
+    doc.codPaciente = patient;
+    doc.subtotal = doc.total = tq::money(100.0 * double(exams.size()));
+    for (std::size_t i = 0; i < exams.size(); ++i)
+        doc.lines << tq::PricedLine{i == 0 ? firstQuantity : 1, exams[i], QStringLiteral("100.00"),
+                                    QStringLiteral("100.00")};
+    return doc;
+}
+
+tq::Answer SilentPrompts::message(const QString& text, tq::Icon, const QString&, tq::Buttons)
+{
+    Bench::promptsSeen() << text;
+    return tq::Answer::Ok;
+}
+
+std::optional<QString> SilentPrompts::input(const QString& prompt, const QString&, const QString&)
+{
+    Bench::promptsSeen() << prompt;
+    return std::nullopt;
+}
+
+QString SilentPrompts::openFile(const QString& caption, const QString&, const QString&)
+{
+    Bench::promptsSeen() << caption;
+    return {};
+}
+
+QString SilentPrompts::saveFile(const QString& caption, const QString&, const QString&)
+{
+    Bench::promptsSeen() << caption;
+    return {};
+}
+
+void SilentPrompts::showModal(QWidget* screen)
+{
+    Bench::promptsSeen() << screen->objectName();
+    screen->deleteLater();
+}
 
 QStringList& Bench::promptsSeen()
 {

@@ -6,7 +6,9 @@
 // a few lines (paths_*.cpp).
 #include "bare.h"
 
+#include "billing/invoice/invoicesave.h"
 #include "foundation/data/amb1.h"
+#include "foundation/ui/prompt.h"
 
 #include <QDate>
 #include <QString>
@@ -80,6 +82,37 @@ struct Outcome {
     QString note;
     bool ok() const { return agree && met && problem.isEmpty(); }
 };
+
+// Nobody answers during a benchmark: whatever a screen says is kept, and
+// the path that made it speak fails. A path that expects a word of its own
+// derives, answers that, and leaves the rest to this.
+class SilentPrompts : public tq::PromptService {
+public:
+    tq::Answer message(const QString& text, tq::Icon, const QString&, tq::Buttons) override;
+    std::optional<QString> input(const QString& prompt, const QString&, const QString&) override;
+    QString openFile(const QString& caption, const QString&, const QString&) override;
+    QString saveFile(const QString& caption, const QString&, const QString&) override;
+    void showModal(QWidget* screen) override;
+    void endProgram() override {}
+};
+
+// A path's own service, in force while it lives.
+class PathPrompts : public SilentPrompts {
+public:
+    PathPrompts() : m_previous(tq::installPrompts(this)) {}
+    ~PathPrompts() override { tq::installPrompts(m_previous); }
+    PathPrompts(const PathPrompts&) = delete;
+    PathPrompts& operator=(const PathPrompts&) = delete;
+
+private:
+    tq::PromptService* m_previous;
+};
+
+// A document the bench saves: numbered `numero`, dated today, billed by
+// "bench" to `patient`, one line of 100.00 per exam (the first of
+// `firstQuantity` units).
+tq::PricedDocument benchDocument(qint64 numero, int patient, const std::vector<int>& exams,
+                                 int firstQuantity = 1);
 
 class Bench {
 public:

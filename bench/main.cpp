@@ -25,42 +25,6 @@
 #include <sodium.h>
 #include <sqlite3.h>
 
-namespace {
-
-// Nobody answers during a benchmark: whatever a screen says is kept, and
-// the path that made it speak fails.
-class SilentPrompts : public tq::PromptService {
-public:
-    tq::Answer message(const QString& text, tq::Icon, const QString&, tq::Buttons) override
-    {
-        bench::Bench::promptsSeen() << text;
-        return tq::Answer::Ok;
-    }
-    std::optional<QString> input(const QString& prompt, const QString&, const QString&) override
-    {
-        bench::Bench::promptsSeen() << prompt;
-        return std::nullopt;
-    }
-    QString openFile(const QString& caption, const QString&, const QString&) override
-    {
-        bench::Bench::promptsSeen() << caption;
-        return {};
-    }
-    QString saveFile(const QString& caption, const QString&, const QString&) override
-    {
-        bench::Bench::promptsSeen() << caption;
-        return {};
-    }
-    void showModal(QWidget* screen) override
-    {
-        bench::Bench::promptsSeen() << screen->objectName();
-        screen->deleteLater();
-    }
-    void endProgram() override {}
-};
-
-}  // namespace
-
 int main(int argc, char** argv)
 {
     tq::keepHeapHeadroom();   // as the program does
@@ -86,7 +50,7 @@ int main(int argc, char** argv)
         out << "The benchmark could not run: libsodium did not start" << Qt::endl;
         return 2;
     }
-    SilentPrompts silent;
+    bench::SilentPrompts silent;
     tq::installPrompts(&silent);
     try {
         const bench::LargeStore store = bench::largeStore(QStringLiteral(TQ_BENCH_DIR), rebuild);

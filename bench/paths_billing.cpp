@@ -284,15 +284,8 @@ void addBillingPaths(Bench& bench, const Context& c)
     bench.add({.name = QStringLiteral("invoice save, 5 lines to the insurer with the work table (factura3)"),
                .run = [five, patient] {
                    static qint64 next = kOursFrom;
-                   tq::PricedDocument doc;
-                   doc.numero = tq::toInt32(double(next++));
-                   doc.fecha = QDate::currentDate();
-                   doc.faturado = QStringLiteral("bench");
-                   doc.codPaciente = patient;
-                   doc.subtotal = doc.total = QStringLiteral("500.00");
+                   tq::PricedDocument doc = benchDocument(next++, patient, five, 2);
                    doc.edad = QStringLiteral("40 Años 1 meses");
-                   for (std::size_t i = 0; i < five.size(); ++i)
-                       doc.lines << tq::PricedLine{i == 0 ? 2 : 1, five[i], QStringLiteral("100.00"), QStringLiteral("100.00")};
                    tq::saveInvoice(doc, tq::Settlement::Insurer, tq::Payment{}, true, nullptr);
                    return qint64(1 + five.size() + 2 + five.size() + 1);
                },

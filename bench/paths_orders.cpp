@@ -50,43 +50,17 @@ constexpr qint64 kBareFrom = 2'100'000'000;
 
 // The cancelling screen's question answered Yes and its closing message
 // expected; anything else it says fails the path.
-class CancelAnswered : public tq::PromptService {
+class CancelAnswered : public PathPrompts {
 public:
-    CancelAnswered() : m_previous(tq::installPrompts(this)) {}
-    ~CancelAnswered() override { tq::installPrompts(m_previous); }
-
-    tq::Answer message(const QString& text, tq::Icon, const QString&, tq::Buttons) override
+    tq::Answer message(const QString& text, tq::Icon icon, const QString& title,
+                       tq::Buttons buttons) override
     {
         if (text == QLatin1String("Confirma la cancelacion de las Ordenes"))
             return tq::Answer::Yes;
-        if (text != QLatin1String("Las Ordenes se cancelaron exitosamente"))
-            Bench::promptsSeen() << text;
-        return tq::Answer::Ok;
+        if (text == QLatin1String("Las Ordenes se cancelaron exitosamente"))
+            return tq::Answer::Ok;
+        return SilentPrompts::message(text, icon, title, buttons);
     }
-    std::optional<QString> input(const QString& prompt, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << prompt;
-        return std::nullopt;
-    }
-    QString openFile(const QString& caption, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << caption;
-        return {};
-    }
-    QString saveFile(const QString& caption, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << caption;
-        return {};
-    }
-    void showModal(QWidget* screen) override
-    {
-        Bench::promptsSeen() << screen->objectName();
-        screen->deleteLater();
-    }
-    void endProgram() override {}
-
-private:
-    tq::PromptService* m_previous;
 };
 
 QString inList(int n)
@@ -228,15 +202,7 @@ void addOrderPaths(Bench& bench, const Context& c)
     bench.add({.name = QStringLiteral("saving a 10-line order (saveOrder)"),
                .run = [ten, patient] {
                    static qint64 next = kOursFrom;
-                   tq::PricedDocument doc;
-                   doc.numero = tq::toInt32(double(next++));
-                   doc.fecha = QDate::currentDate();
-                   doc.faturado = QStringLiteral("bench");
-                   doc.codPaciente = patient;
-                   doc.subtotal = doc.total = QStringLiteral("1000.00");
-                   for (const int exam : ten)
-                       doc.lines << tq::PricedLine{1, exam, QStringLiteral("100.00"), QStringLiteral("100.00")};
-                   tq::saveOrder(doc);
+                   tq::saveOrder(benchDocument(next++, patient, ten));
                    return qint64(1 + ten.size());
                },
                .floor = [ten, patient, bareWriter] {

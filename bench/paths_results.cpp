@@ -72,31 +72,15 @@ qint64 namesOnGrid(tq::FlexGrid* g)
 
 // Shows a modal sheet as the user would get it, counts its names and closes
 // it; any message fails the path as the bench's own service does.
-class SheetOnScreen : public tq::PromptService {
+class SheetOnScreen : public PathPrompts {
 public:
-    SheetOnScreen() : m_previous(tq::installPrompts(this)) {}
-    ~SheetOnScreen() override { tq::installPrompts(m_previous); }
     qint64 names = -1;
 
-    tq::Answer message(const QString& text, tq::Icon, const QString&, tq::Buttons) override
+    tq::Answer message(const QString& text, tq::Icon icon, const QString& title,
+                       tq::Buttons buttons) override
     {
-        Bench::promptsSeen() << text;
+        SilentPrompts::message(text, icon, title, buttons);
         return tq::Answer::No;
-    }
-    std::optional<QString> input(const QString& prompt, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << prompt;
-        return std::nullopt;
-    }
-    QString openFile(const QString& caption, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << caption;
-        return {};
-    }
-    QString saveFile(const QString& caption, const QString&, const QString&) override
-    {
-        Bench::promptsSeen() << caption;
-        return {};
     }
     void showModal(QWidget* screen) override
     {
@@ -106,10 +90,6 @@ public:
         if (auto* sheet = dynamic_cast<tq::sheets::GridSheet*>(screen))
             names = namesOnGrid(sheet->grid());
     }
-    void endProgram() override {}
-
-private:
-    tq::PromptService* m_previous;
 };
 
 // A pending hematology line of a paid invoice: factura, format id, patient, day.
