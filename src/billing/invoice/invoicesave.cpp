@@ -6,9 +6,7 @@
 #include "foundation/data/amb1.h"
 #include "foundation/data/numbering.h"
 
-
 namespace tq {
-
 
 SaveOutcome saveInvoice(const PricedDocument& doc, Settlement settlement, const Payment& payment,
                         bool withCxc, const CardDetails* card)
