@@ -2,6 +2,13 @@
 // store (a file or a libpq connection text), how many invoices, the station's
 // name. Prints "abierta" once the store is open, then per invoice: the number
 // proposed, the number saved under, and 1 when the save said it moved (else 0).
+//
+// With "liquidar", an insurer's code and the name, the station
+// settles that insurer's open invoices instead, a few at a time from the head
+// of its list, as long as any stay open. Per press it prints "pagadas" or
+// "rechazadas" (another station had settled some: those it names) and the
+// invoice numbers.
+#include "accounts/receivables/settlement.h"
 #include "billing/invoice/invoicesave.h"
 #include "foundation/base/apperror.h"
 #include "foundation/base/values.h"
@@ -9,7 +16,43 @@
 
 #include <QCoreApplication>
 #include <QDate>
+#include <QRandomGenerator>
 #include <cstdio>
+
+namespace {
+
+void printNumbers(const char* what, const QList<std::int32_t>& numbers)
+{
+    std::printf("%s", what);
+    for (const std::int32_t n : numbers)
+        std::printf(" %d", n);
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
+// Reads the list as the payment screen does, takes its first few invoices and
+// settles them with the station's name as the reference.
+void settleAll(std::int32_t insurer, const QString& station)
+{
+    QRandomGenerator random(quint32(qHash(station)));
+    for (;;) {
+        const tq::OpenInvoices open = tq::openInsurerInvoices(insurer);
+        if (open.size() == 0)
+            return;
+        QList<std::int32_t> chosen;
+        const int take = std::min(open.size(), int(random.bounded(1, 8)));
+        for (int i = 0; i < take; ++i)
+            chosen << tq::toInt32(open.factura.at(i));
+        try {
+            tq::settleInsurerInvoices(chosen, QDate::currentDate(), station);
+            printNumbers("pagadas", chosen);
+        } catch (const tq::InvoicesAlreadySettled& e) {
+            printNumbers("rechazadas", e.invoices());
+        }
+    }
+}
+
+}  // namespace
 
 int main(int argc, char** argv)
 {
@@ -24,6 +67,11 @@ int main(int argc, char** argv)
             tq::amb1().openStore(args.at(1));
         std::printf("abierta\n");
         std::fflush(stdout);
+        if (args.at(2) == QLatin1String("liquidar")) {
+            settleAll(tq::toInt32(args.at(3)), args.value(4));
+            tq::amb1().closeStore();
+            return 0;
+        }
         for (int i = 0; i < args.at(2).toInt(); ++i) {
             tq::PricedDocument doc;
             // Proposed as the invoice screen proposes it, outside the save.

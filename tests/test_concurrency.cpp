@@ -1,12 +1,15 @@
 // Several workstations on one store: saving at once, killed mid-save, backed
-// up mid-save. Every invoice stands whole under a number of its own.
+// up mid-save, settling one insurer's invoices at once. Every invoice stands
+// whole under a number of its own, and is settled once.
 #include "testsupport.h"
 
+#include "billing/invoice/invoicesave.h"
 #include "foundation/data/amb1.h"
 #include "maintenance/backup.h"
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSet>
@@ -147,6 +150,69 @@ private slots:
         QVERIFY(queryCopy(copy, "SELECT COUNT(*) FROM Factura").toInt() > 0);
         QCOMPARE(queryCopy(copy, kBroken).toInt(), 0);
         QCOMPARE(queryCopy(copy, kOrphans).toInt(), 0);
+    }
+
+    // Two stations settle one insurer's invoices at once, each pressing for
+    // the head of the list it read: every invoice is settled once, by the
+    // station whose reference it carries, and a refused press named only
+    // invoices the other station had settled.
+    void twoStationsSettleOneInsurer()
+    {
+        TempStore store;
+        prepareCatalogue();
+        amb1().execute("INSERT INTO seguros (Cod_Seguro, Empresa) VALUES (4, 'Seguros Atlántida')");
+        amb1().execute("UPDATE Pacientes SET Cod_seguro = 4");
+        constexpr int kInvoices = 150;
+        for (int n = 1; n <= kInvoices; ++n) {
+            PricedDocument doc;
+            doc.numero = n;
+            doc.fecha = QDate::currentDate();
+            doc.faturado = "caja";
+            doc.codPaciente = 1;
+            doc.subtotal = doc.total = "10.00";
+            doc.lines = {{1, 1, "10.00"}};
+            saveInvoice(doc, Settlement::Insurer, {}, true, nullptr);
+        }
+
+        const QStringList names = {"estacion 1", "estacion 2"};
+        QList<QProcess*> stations;
+        for (const QString& name : names) {
+            auto* p = new QProcess(this);
+            p->start(QStringLiteral(TQ_SAVER), {store.where(), "liquidar", "4", name});
+            stations << p;
+        }
+        QHash<int, QString> settledBy;
+        QList<QPair<QString, int>> refused;
+        for (int i = 0; i < stations.size(); ++i) {
+            QProcess* p = stations.at(i);
+            QVERIFY(p->waitForFinished(300000));
+            QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0,
+                     p->readAllStandardError().constData());
+            const QList<QByteArray> lines = p->readAllStandardOutput().trimmed().split('\n');
+            for (const QByteArray& line : lines.mid(1)) {
+                QList<QByteArray> f = line.split(' ');
+                const QByteArray what = f.takeFirst();
+                QVERIFY(!f.isEmpty());
+                for (const QByteArray& n : f) {
+                    if (what == "pagadas") {
+                        QVERIFY2(!settledBy.contains(n.toInt()), n.constData());   // paid twice
+                        settledBy.insert(n.toInt(), names.at(i));
+                    } else {
+                        QCOMPARE(what, QByteArray("rechazadas"));
+                        refused.append({names.at(i), n.toInt()});
+                    }
+                }
+            }
+        }
+        qInfo("%d invoices settled by two stations at once; %lld refused as settled meanwhile", kInvoices,
+              qlonglong(refused.size()));
+        QCOMPARE(settledBy.size(), kInvoices);
+        for (const auto& [station, n] : refused)
+            QVERIFY2(settledBy.value(n) != station, qPrintable(QString::number(n)));
+        for (auto it = settledBy.cbegin(); it != settledBy.cend(); ++it)
+            QCOMPARE(value("SELECT referencia FROM cxc WHERE factura = ?", {it.key()}).toString(), it.value());
+        QCOMPARE(count("SELECT COUNT(*) FROM cxc WHERE estado = ?", {true}), kInvoices);
+        QCOMPARE(count("SELECT COUNT(*) FROM Factura WHERE pagada = ?", {true}), kInvoices);
     }
 };
 
