@@ -34,13 +34,24 @@ const QList<Invariant>& storeInvariants()
             {QStringLiteral("Factura: cada factura con sus líneas"),
              QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE NOT EXISTS (SELECT 1 FROM FacturaDetalle d "
                             "WHERE d.factura = f.factura)")},
-            // Paid in full, the abono is the total; on credit, until a later
-            // instalment, it is what was paid at the desk.
+            // Paid in full at the desk, the abono is the total; on credit,
+            // until a later instalment, it is what was paid at the desk. A
+            // credit invoice paid off later (instalments, the insurer) stays
+            // on credit.
             {QStringLiteral("Factura: abono según la forma de pago"),
-             QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE (pagada AND credito) "
-                            "OR (pagada AND ABS(Abono - total) > 0.005) "
+             QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE "
+                            "(pagada AND NOT COALESCE(credito, FALSE) AND ABS(Abono - total) > 0.005) "
                             "OR (credito AND ABS(Abono - (efectivo + tarjeta + cheque)) > 0.005 "
                             "AND (SELECT COUNT(*) FROM creditos c WHERE c.factura = f.factura) <= 1)")},
+            // A credit invoice's abono is what its instalments add up to.
+            {QStringLiteral("Factura: abono de una factura al crédito igual a sus cuotas"),
+             QStringLiteral("SELECT COUNT(*) FROM Factura f WHERE f.credito AND ABS(f.Abono - "
+                            "(SELECT COALESCE(SUM(c.abono), 0) FROM creditos c WHERE c.factura = f.factura)) "
+                            "> 0.005")},
+            // An insurer's settlement marks the invoice paid in the same save.
+            {QStringLiteral("cxc: ninguna cuenta saldada sin su factura pagada"),
+             QStringLiteral("SELECT COUNT(*) FROM cxc x WHERE x.estado AND NOT EXISTS (SELECT 1 FROM Factura f "
+                            "WHERE f.factura = x.factura AND f.pagada)")},
             // An order is saved whole; one billed names an invoice that exists and is closed.
             {QStringLiteral("orden: cada orden con sus líneas"),
              QStringLiteral("SELECT COUNT(*) FROM orden o WHERE NOT EXISTS (SELECT 1 FROM ordenDetalle d "
