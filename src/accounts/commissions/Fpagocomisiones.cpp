@@ -11,6 +11,7 @@
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
+#include "registers/doctors/doctorlist.h"
 
 #include <QSet>
 #include <QShortcut>
@@ -92,22 +93,8 @@ Fpagocomisiones::~Fpagocomisiones() = default;
 
 void Fpagocomisiones::loadDoctors()
 {
-    Recordset rs;
-    rs.open(QStringLiteral(
-        "SELECT Cod_doctor, Nombre_doctor, Apellido_doctor FROM Doctores ORDER BY Cod_doctor"));
-    ui->Combo1->clear();
-    if (rs.recordCount() == 0) {
+    if (fillDoctors(ui->Combo1) == 0)
         prompts().message(QStringLiteral("no hay familias creadas"));
-        return;
-    }
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-        const std::int32_t code = toInt32(rs.field(QStringLiteral("Cod_doctor")));
-        ui->Combo1->addItem(QString::number(code) + QStringLiteral(" - ")
-                                + rs.text(QStringLiteral("Nombre_doctor")) + QLatin1Char(' ')
-                                + rs.text(QStringLiteral("Apellido_doctor")),
-                            code);
-    }
-    ui->Combo1->setCurrentIndex(-1);
 }
 
 void Fpagocomisiones::chooseDoctor()

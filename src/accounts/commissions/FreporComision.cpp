@@ -7,6 +7,7 @@
 #include "foundation/ui/errors.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
+#include "registers/doctors/doctorlist.h"
 
 TQ_REGISTER_SCREEN(FreporComision)
 
@@ -33,18 +34,7 @@ FreporComision::~FreporComision() = default;
 void FreporComision::loadDoctors()
 {
     // The blank entry first: without a doctor the report takes all of them.
-    ui->Combo1->clear();
-    ui->Combo1->addItem(QString());
-    Recordset rs;
-    rs.open(QStringLiteral(
-        "SELECT Cod_doctor, Nombre_doctor, Apellido_doctor FROM Doctores ORDER BY Cod_doctor"));
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-        const std::int32_t code = toInt32(rs.field(QStringLiteral("Cod_doctor")));
-        ui->Combo1->addItem(QString::number(code) + QStringLiteral(" - ")
-                                + rs.text(QStringLiteral("Nombre_doctor")) + QLatin1Char(' ')
-                                + rs.text(QStringLiteral("Apellido_doctor")),
-                            code);
-    }
+    fillDoctors(ui->Combo1, true);
     ui->Combo1->setCurrentIndex(0);
 }
 

@@ -192,18 +192,11 @@ void Mabonos::imprimir()
     if (m_factura == 0)
         return;
     const QString filter = QStringLiteral("factura =") + QString::number(m_factura);
+    const bool anulada = openInvoiceCopy(m_factura);
     Recordset& rs = amb1().rs(QStringLiteral("rsrfact1"));
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(filter);
-    bool anulada = false;
     QString extra;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-        if (rs.field(QStringLiteral("anulada")).toBool())
-            anulada = true;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
         extra = rs.text(QStringLiteral("adicional")).trimmed();
-    }
 
     if (anulada) {
         // The voided copy beside the voiding box, as the voiding screen shows

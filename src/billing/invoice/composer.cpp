@@ -8,6 +8,7 @@
 #include "foundation/ui/prompt.h"
 #include "foundation/ui/registry.h"
 #include "foundation/ui/widgets.h"
+#include "registers/doctors/doctorlist.h"
 #include "registers/insurers/pricelist.h"
 
 #include <QComboBox>
@@ -73,24 +74,13 @@ DocumentComposer::~DocumentComposer()
 
 bool DocumentComposer::load()
 {
-    Recordset doctores;
-    doctores.open(QStringLiteral(
-        "SELECT Cod_doctor, Nombre_doctor, Apellido_doctor FROM Doctores ORDER BY Cod_doctor"));
-    if (doctores.recordCount() == 0) {
+    if (fillDoctors(m_c.Combo1) == 0) {
         prompts().message(QStringLiteral("no hay familias creadas"), Icon::None, m_kind.title);
         // Doctors must exist before a document is composed.
         m_c.clinom->setEnabled(false);
         m_c.Factura->setEnabled(false);
         return false;
     }
-    m_c.Combo1->clear();
-    for (int r = 0; r < doctores.recordCount(); ++r)
-        m_c.Combo1->addItem(doctores.valueAt(r, QStringLiteral("Cod_doctor")).toString()
-                            + QStringLiteral(" - ")
-                            + doctores.valueAt(r, QStringLiteral("Nombre_doctor")).toString()
-                            + QLatin1Char(' ')
-                            + doctores.valueAt(r, QStringLiteral("Apellido_doctor")).toString());
-    m_c.Combo1->setCurrentIndex(-1);   // the doctor may stay blank
     m_c.clinom->setEnabled(true);
     m_c.Factura->setEnabled(true);
     setUpGrid(true);

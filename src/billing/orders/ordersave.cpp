@@ -1,6 +1,7 @@
 #include "billing/orders/ordersave.h"
 
 #include "foundation/base/values.h"
+#include "registers/doctors/doctorlist.h"
 #include "foundation/data/amb1.h"
 #include "foundation/data/numbering.h"
 
@@ -96,9 +97,9 @@ std::optional<StoredOrder> readOrder(std::int32_t numero)
     if (!doctor.isNull() && doctor.isValid())
         o.codDoctor = toInt32(doctor);
     if (!head.field(QStringLiteral("doctor")).isNull())
-        o.doctor = head.text(QStringLiteral("doctor")) + QStringLiteral(" - ")
-                   + head.text(QStringLiteral("Nombre_doctor")) + QLatin1Char(' ')
-                   + head.text(QStringLiteral("Apellido_doctor"));
+        o.doctor = doctorEntry(toInt32(head.field(QStringLiteral("doctor"))),
+                               head.text(QStringLiteral("Nombre_doctor")),
+                               head.text(QStringLiteral("Apellido_doctor")));
     Recordset lines;
     lines.open(QStringLiteral(
                    "SELECT ordenDetalle.cantidad, ordenDetalle.cod_descripcionexamen, "

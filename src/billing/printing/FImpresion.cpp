@@ -2,8 +2,8 @@
 
 #include "ui_FImpresion.h"
 
-#include "billing/search/Form31.h"
 #include "billing/search/invoicenumber.h"
+#include "billing/search/voiding.h"
 #include "foundation/base/values.h"
 #include "foundation/data/amb1.h"
 #include "foundation/reports/report.h"
@@ -61,17 +61,7 @@ void FImpresion::aceptar()
     factura.close();
 
     const QString filter = QStringLiteral("factura =") + QString::number(numero);
-    Recordset& rs = amb1().rs(QStringLiteral("rsrfact1"));
-    if (rs.isOpen())
-        rs.close();
-    rs.open();
-    rs.setFilter(filter);
-    bool anulada = false;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext())
-        if (rs.field(QStringLiteral("anulada")).toBool())
-            anulada = true;
-
-    if (!anulada) {
+    if (!openInvoiceCopy(numero)) {
         ReportRun run;
         run.command = QStringLiteral("rsrfact1");
         run.filter = filter;
@@ -88,7 +78,7 @@ void FImpresion::aceptar()
         runReport(run, this);
     } else {
         // A voided invoice can be looked at, not printed, and not voided again from here.
-        Form31::showInvoice(numero, true, false);
+        showVoidingBox(numero, true, false);
     }
     close();
 }

@@ -1,6 +1,6 @@
 #pragma once
-// The voiding box beside an invoice's copy, for the screens of other rooms
-// that show an invoice the way the voiding screen does.
+// The voiding box beside an invoice's copy, and the copy itself, for the
+// screens that print or show an invoice the way the voiding screen does.
 #include <cstdint>
 
 class QWidget;
@@ -11,5 +11,9 @@ namespace tq {
 // its copy (the voided one when `anulada`); `canVoid` false disables the
 // void button. Returns the box.
 QWidget* showVoidingBox(std::int32_t numero, bool anulada, bool canVoid);
+
+// The shared copy of an invoice (`rsrfact1`) opened afresh and narrowed to
+// invoice `numero`, as the print-outs read it; true when it is voided.
+bool openInvoiceCopy(std::int32_t numero);
 
 }  // namespace tq
