@@ -82,7 +82,8 @@ int main(int argc, char** argv)
             doc.faturado = args.at(3);
             doc.codPaciente = 1;
             doc.subtotal = doc.total = QStringLiteral("30.00");
-            doc.lines = {{1, 1, QStringLiteral("10.00")}, {2, 2, QStringLiteral("20.00")}};
+            doc.lines = {{1, 1, QStringLiteral("10.00"), QStringLiteral("10.00")},
+                         {2, 2, QStringLiteral("20.00"), QStringLiteral("10.00")}};
             // In turn: paid, on credit, to the insurer.
             const auto settlement = tq::Settlement(i % 3);
             tq::Payment paid;

@@ -7,26 +7,15 @@ namespace tq {
 
 namespace {
 
-// "12", "12 y 15", "12, 15 y 20".
-QString spokenList(const QList<std::int32_t>& numbers)
-{
-    QStringList texts;
-    for (const std::int32_t n : numbers)
-        texts << QString::number(n);
-    if (texts.size() < 2)
-        return texts.join(QString());
-    const QString last = texts.takeLast();
-    return texts.join(QStringLiteral(", ")) + QStringLiteral(" y ") + last;
-}
 
 QString alreadyPaidSentence(const QList<std::int32_t>& facturas)
 {
     const QString rest = QStringLiteral(", por eso no se pagó ninguna de las facturas. "
                                         "Las demás siguen en la lista: vuelva a pagarlas.");
     if (facturas.size() == 1)
-        return QStringLiteral("La comisión de la factura ") + spokenList(facturas)
+        return QStringLiteral("La comisión de la factura ") + spokenNumbers(facturas)
                + QStringLiteral(" ya se pagó en otra estación") + rest;
-    return QStringLiteral("Las comisiones de las facturas ") + spokenList(facturas)
+    return QStringLiteral("Las comisiones de las facturas ") + spokenNumbers(facturas)
            + QStringLiteral(" ya se pagaron en otra estación") + rest;
 }
 

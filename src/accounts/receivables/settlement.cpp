@@ -43,21 +43,6 @@ void overChunks(const QString& sql, const QVariantList& before, const QList<std:
     }
 }
 
-// "12", "12 y 15", "12, 15 y 20"; a long list names its first ones and counts the rest.
-QString namesOf(const QList<std::int32_t>& numbers)
-{
-    constexpr qsizetype kNamed = 20;
-    QStringList names;
-    for (qsizetype i = 0; i < std::min(numbers.size(), kNamed); ++i)
-        names << QString::number(numbers.at(i));
-    const qsizetype rest = numbers.size() - names.size();
-    if (rest > 0)
-        return names.join(QStringLiteral(", ")) + QStringLiteral(" y %1 más").arg(rest);
-    if (names.size() == 1)
-        return names.first();
-    const QString last = names.takeLast();
-    return names.join(QStringLiteral(", ")) + QStringLiteral(" y ") + last;
-}
 
 }  // namespace
 
@@ -131,10 +116,10 @@ InvoicesAlreadySettled::InvoicesAlreadySettled(QList<std::int32_t> invoices)
     : AppError(invoices.size() == 1
                    ? QStringLiteral("La factura %1 ya fue cancelada en otra estación. No se registró "
                                     "ningún pago.")
-                         .arg(namesOf(invoices))
+                         .arg(spokenNumbers(invoices))
                    : QStringLiteral("Las facturas %1 ya fueron canceladas en otra estación. No se "
                                     "registró ningún pago.")
-                         .arg(namesOf(invoices))),
+                         .arg(spokenNumbers(invoices))),
       m_invoices(std::move(invoices))
 {
 }

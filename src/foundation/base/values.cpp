@@ -137,6 +137,20 @@ Age calculoedad(const QDate& birth, const QDate& today)
 QString dateLong(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yyyy")); }
 QString dateShort(const QDate& d) { return d.toString(QStringLiteral("dd/MM/yy")); }
 
+QString spokenNumbers(const QList<std::int32_t>& numbers, qsizetype named)
+{
+    QStringList names;
+    for (qsizetype i = 0; i < std::min(numbers.size(), named); ++i)
+        names << QString::number(numbers.at(i));
+    const qsizetype rest = numbers.size() - names.size();
+    if (rest > 0)
+        return names.join(QStringLiteral(", ")) + QStringLiteral(" y %1 más").arg(rest);
+    if (names.size() < 2)
+        return names.join(QString());
+    const QString last = names.takeLast();
+    return names.join(QStringLiteral(", ")) + QStringLiteral(" y ") + last;
+}
+
 QDate parseDate(const QString& text)
 {
     static const QRegularExpression dmy(QStringLiteral(

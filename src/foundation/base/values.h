@@ -2,6 +2,7 @@
 // Value helpers shared by every screen: money text, the classic reading of
 // typed numbers, the checked conversions of codes, dates and ages.
 #include <QDate>
+#include <QList>
 #include <QString>
 #include <QVariant>
 #include <cstdint>
@@ -56,6 +57,10 @@ Age calculoedad(const QDate& birth, const QDate& today = QDate::currentDate());
 // "DD/MM/YYYY" on labels, "DD/MM/YY" in date pickers.
 QString dateLong(const QDate& d);
 QString dateShort(const QDate& d);
+// Record numbers as a sentence says them: "12", "12 y 15", "12, 15 y 20"; a
+// list longer than `named` names its first ones and counts the rest
+// ("1, 2 y 3 más").
+QString spokenNumbers(const QList<std::int32_t>& numbers, qsizetype named = 20);
 // Reads a typed or filter date: "D/M/YYYY" or "D/M/YY" (a time after it is
 // ignored), or ISO "YYYY-MM-DD"; invalid QDate when the text is not a date.
 // Two-digit years 00-29 are this century, 30-99 the last one.
